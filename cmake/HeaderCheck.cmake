@@ -1,0 +1,15 @@
+# header_check(<target> <extension> <header>...)
+# Compiles each header alone, and twice over, so that a missing include or guard is a build error.
+include_guard()
+
+function(header_check target extension)
+  set(sources "")
+  foreach(header IN LISTS ARGN)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${target}/${header}.${extension})
+    file(CONFIGURE OUTPUT ${source} CONTENT "#include <${header}>\n#include <${header}>\n")
+    list(APPEND sources ${source})
+  endforeach()
+  add_library(${target} OBJECT ${sources})
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/include)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -pedantic -Werror)
+endfunction()
