@@ -1,0 +1,132 @@
+// The signatures of the body: value and certificate, or the chain of a "1.1.2" label.
+
+#include "access/signature.h"
+
+#include <utility>
+
+#include "access/field.h"
+#include "core/model/layout.h"
+#include "crypto/signatures.h"
+
+namespace tq {
+namespace {
+
+// Callers provide as many bytes for a name, and an algorithm is stored in as many.
+constexpr std::uint32_t kNameRoom = 64;
+// Signature values are taken in whole units only.
+constexpr std::uint32_t kValueUnit = 32;
+
+constexpr auto kSignValue = [](TqLabelHandle & label) -> auto& { return label.body.bodySignValue; };
+constexpr auto kSignCert = [](TqLabelHandle & label) -> auto& { return label.body.bodySignCert; };
+
+// Copies without a capacity, for callers who know the size; without a buffer only the length.
+void copy_unchecked(const ANYBUF& field, std::uint8_t* buffer, std::uint32_t& length) {
+  if (buffer != nullptr && field.length != 0) std::memcpy(buffer, field.data, field.length);
+  length = field.length;
+}
+
+// The name of the first signer's algorithm, or the empty text.
+void copy_algorithm_name(const ANYBUF& algorithm, char* buffer) {
+  char name[kNameRoom] = {};
+  if (SflOID2Alg(algorithm.data, algorithm.length, name, nullptr, nullptr) == -1) *name = '\0';
+  std::memcpy(buffer, name, std::strlen(name) + 1);
+}
+
+void copy_head_algorithm_name(TqLabel label, char* buffer) {
+  std::uint32_t length = kNameRoom;
+  if (GetHeadSignAlg(label, reinterpret_cast<std::uint8_t*>(buffer), &length) != 0) length = 0;
+  if (length < kNameRoom) buffer[length] = '\0';
+}
+
+// A record for one more signer, behind all others.
+Sign* append_signer(Sign& first) {
+  Sign* last = &first;
+  while (last->next != nullptr) last = last->next;
+  last->next = make_zeroed<Sign>().release();
+  return last->next;
+}
+
+}  // namespace
+
+std::int32_t SetMultiSignAttribute(Sign* sign, const SignAttribute* attribute) {
+  if (sign == nullptr || attribute == nullptr || attribute->cert == nullptr ||
+      attribute->value == nullptr || attribute->algName == nullptr) {
+    return -1;
+  }
+  FreeSign(sign);
+  Block<std::uint8_t> algorithm = make_zeroed<std::uint8_t>(kNameRoom);
+  if (!algorithm) return -1;
+  std::uint32_t length = kNameRoom;  // stays for a name that is not known
+  static_cast<void>(SflAlg2OID(reinterpret_cast<const std::uint8_t*>(attribute->algName),
+                               GetStringLength(attribute->algName) - 1, 0, 0, algorithm.get(),
+                               &length));
+  adopt(sign->algorithm, std::move(algorithm), length, der::kObjectId);
+  const bool stored = replace(sign->certificate, attribute->cert, attribute->certLen,
+                              der::type_word(der::kSequence)) &&
+                      replace(sign->value, attribute->value, attribute->valueLen, der::kBitString);
+  return stored ? 0 : -1;
+}
+
+}  // namespace tq
+
+std::int32_t SetBodySignCert(TqLabel label, const std::uint8_t* cert, std::uint32_t certLen) {
+  if (certLen == 0) return -1;
+  return tq::set_bytes(label, tq::kSignCert, tq::der::kSequence, cert, certLen);
+}
+std::int32_t GetBodySignCert(TqLabel label, std::uint8_t* buffer, std::uint32_t* length) {
+  return tq::get_bytes(label, tq::kSignCert, buffer, length);
+}
+
+std::int32_t SetBodySigVal(TqLabel label, const std::uint8_t* value, std::uint32_t valueLen) {
+  if (valueLen % tq::kValueUnit != 0) return -1;
+  return tq::set_bytes(label, tq::kSignValue, tq::der::kBitString, value, valueLen);
+}
+std::int32_t GetBodySigVal(TqLabel label, std::uint8_t* buffer, std::uint32_t* length) {
+  return tq::get_bytes(label, tq::kSignValue, buffer, length);
+}
+
+// What becomes of the attribute itself is not reported: callers have always been told 0.
+std::int32_t SetBodySignAttr(TqLabel label, std::int32_t append, const SignAttribute* attribute) {
+  if (label == nullptr || attribute == nullptr) return -1;
+  if (!tq::layout_of(*label).multi_sign) {
+    if (attribute->value == nullptr) return 0;
+    static_cast<void>(SetBodySignCert(label, attribute->cert, attribute->certLen));
+    static_cast<void>(SetBodySigVal(label, attribute->value, attribute->valueLen));
+    return 0;
+  }
+  tq::Sign* sign = &label->body.multiSign;
+  if (append == 0) {
+    tq::FreeMultiSign(sign);
+  } else {
+    sign = tq::append_signer(*sign);
+    if (sign == nullptr) return -1;
+  }
+  static_cast<void>(tq::SetMultiSignAttribute(sign, attribute));
+  return 0;
+}
+
+std::int32_t GetBodySignAttr(TqLabel label, SignAttribute* attribute) {
+  if (label == nullptr || attribute == nullptr) return -1;
+  if (tq::layout_of(*label).multi_sign) {
+    const tq::Sign& first = label->body.multiSign;
+    tq::copy_unchecked(first.certificate, attribute->cert, attribute->certLen);
+    tq::copy_unchecked(first.value, attribute->value, attribute->valueLen);
+    if (attribute->algName != nullptr) {
+      tq::copy_algorithm_name(first.algorithm, attribute->algName);
+    }
+    return 0;
+  }
+  static_cast<void>(GetBodySignCert(label, attribute->cert, &attribute->certLen));
+  static_cast<void>(GetBodySigVal(label, attribute->value, &attribute->valueLen));
+  if (attribute->algName != nullptr) tq::copy_head_algorithm_name(label, attribute->algName);
+  return 0;
+}
+
+std::int32_t FileHaveSigned(TqLabel label, const std::uint8_t* bytes, std::uint32_t length) {
+  if (label == nullptr) return -1;
+  ANYBUF& first = label->body.multiSign.certificate;
+  if (!tq::layout_of(*label).multi_sign || first.length != 0) return 1;
+  if (bytes == nullptr || length == 0) return -1;
+  const bool stored = tq::replace(first, bytes, length, tq::der::type_word(tq::der::kSequence));
+  return stored ? 0 : -1;
+}

@@ -1,0 +1,356 @@
+#ifndef TQ_ASN1_DER_H
+#define TQ_ASN1_DER_H
+
+// The DER rules (X.690), each stated once: what a header is, what the content of each type is, how
+// long an element becomes and how it is written. Both libraries are layers over this file.
+
+#include <tqasn1/asn1.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "asn1/calendar.h"
+
+namespace tq::der {
+
+using Octet = std::uint8_t;
+
+enum Tag : Octet {
+  kBoolean = 0x01,
+  kInteger = 0x02,
+  kBitString = 0x03,
+  kOctetString = 0x04,
+  kNull = 0x05,
+  kObjectId = 0x06,
+  kUtf8String = 0x0C,
+  kPrintableString = 0x13,
+  kIa5String = 0x16,
+  kGeneralizedTime = 0x18,
+  kBmpString = 0x1E,
+  kSequence = 0x30,
+  kSet = 0x31,
+  kContext0 = 0xA0,
+  kContext1 = 0xA1,
+  kContext2 = 0xA2,
+};
+
+inline constexpr Octet kConstructedBit = 0x20;
+inline constexpr Octet kClassBits = 0xC0;
+inline constexpr Octet kNumberBits = 0x1F;
+
+// The type word of a node: the universal number, or the whole octet where the class is another, so
+// that [0] can never be taken for a universal element.
+constexpr std::uint32_t type_word(Octet tag) {
+  return (tag & kClassBits) == 0 ? tag & kNumberBits : tag;
+}
+
+// Tags are one octet. Universal types have one form each: SEQUENCE and SET are constructed, all
+// others primitive; number 0 is no type.
+constexpr bool is_valid_tag(Octet tag) {
+  if ((tag & kNumberBits) == kNumberBits) return false;
+  if ((tag & kClassBits) != 0) return true;
+  const Octet number = tag & kNumberBits;
+  const bool constructed = (tag & kConstructedBit) != 0;
+  return number != 0 &&
+         constructed == (number == (kSequence & kNumberBits) || number == (kSet & kNumberBits));
+}
+
+// One element where it lies in the input: a header of 2 to 6 octets, then the content.
+struct Element {
+  const Octet* start = nullptr;
+  std::uint32_t header = 0;
+  std::uint32_t length = 0;  // of the content
+
+  [[nodiscard]] Octet tag() const { return start[0]; }
+  [[nodiscard]] const Octet* content() const { return start + header; }
+  [[nodiscard]] std::uint32_t size() const { return header + length; }
+};
+
+// Walks the children of an element in place. Every header is checked when it is passed: a tag that
+// is valid, a length that is definite, the shortest of its kind and within the parent.
+class Cursor {
+ public:
+  Cursor(const Octet* bytes, std::size_t length) : at_(bytes), end_(bytes + length) {}
+  explicit Cursor(const Element& parent) : Cursor(parent.content(), parent.length) {}
+
+  [[nodiscard]] bool at_end() const { return at_ == end_; }
+
+  // The tag octet of the next element, or 0, which is no tag, at the end.
+  [[nodiscard]] Octet peek() const { return at_end() ? Octet{0} : *at_; }
+
+  // The next element whatever it is.
+  [[nodiscard]] bool next(Element& element) {
+    return !at_end() && is_valid_tag(*at_) && pass(element);
+  }
+
+  // The next element, which must be of this tag.
+  [[nodiscard]] bool take(Octet tag, Element& element) {
+    return !at_end() && *at_ == tag && pass(element);
+  }
+
+  // Whether what is left is whole elements: they are ignored, but they must be elements.
+  [[nodiscard]] bool finish() {
+    Element ignored;
+    while (!at_end()) {
+      if (!next(ignored)) return false;
+    }
+    return true;
+  }
+
+ private:
+  [[nodiscard]] bool pass(Element& element) {
+    const auto left = static_cast<std::size_t>(end_ - at_);
+    if (left < 2) return false;
+    std::uint32_t header = 2;
+    std::uint32_t length = at_[1];
+    if (length >= 0x80 && !long_length(left, header, length)) return false;
+    if (length > left - header) return false;
+    element = {at_, header, length};
+    at_ += std::size_t{header} + length;
+    return true;
+  }
+
+  [[nodiscard]] bool long_length(std::size_t left, std::uint32_t& header,
+                                 std::uint32_t& length) const {
+    const std::uint32_t count = length & 0x7F;
+    if (count == 0 || count > sizeof length || left - 2 < count || at_[2] == 0) return false;
+    length = 0;
+    for (std::uint32_t i = 0; i < count; ++i) length = length << 8 | at_[2 + i];
+    header += count;
+    return length >= 0x80;
+  }
+
+  const Octet* at_;
+  const Octet* end_;
+};
+
+// Reads the outermost element of a buffer; what lies behind it is not looked at.
+[[nodiscard]] inline bool read_outermost(const Octet* bytes, std::size_t length, Octet tag,
+                                         Element& element) {
+  return bytes != nullptr && Cursor(bytes, length).take(tag, element);
+}
+
+// Whether the bytes are exactly one element, by its outer header alone.
+[[nodiscard]] inline bool is_one_element(const Octet* bytes, std::size_t length) {
+  Cursor cursor(bytes, length);
+  Element element;
+  return cursor.next(element) && cursor.at_end();
+}
+
+// Contents. Each reader takes an element whose tag has been checked.
+
+[[nodiscard]] inline bool read_integer(const Element& element, std::uint32_t& value) {
+  const Octet* content = element.content();
+  std::uint32_t length = element.length;
+  if (length == 0 || content[0] >= 0x80) return false;
+  if (content[0] == 0 && length > 1) {
+    if (content[1] < 0x80) return false;
+    ++content;
+    --length;
+  }
+  if (length > sizeof value) return false;
+  value = 0;
+  for (std::uint32_t i = 0; i < length; ++i) value = value << 8 | content[i];
+  return true;
+}
+
+[[nodiscard]] inline bool read_boolean(const Element& element, Octet& value) {
+  if (element.length != 1) return false;
+  const Octet content = *element.content();
+  if (content != 0 && content != 0xFF) return false;
+  value = content & 1;
+  return true;
+}
+
+[[nodiscard]] inline bool read_time(const Element& element, std::uint64_t& seconds) {
+  return element.length == kTimeLength && parse_time(element.content(), seconds);
+}
+
+// A BIT STRING of whole octets: the leading octet counts the unused bits and must be 0.
+[[nodiscard]] inline bool has_whole_octets(const Element& element) {
+  return element.length != 0 && *element.content() == 0;
+}
+
+// Sizes.
+
+constexpr std::uint32_t header_size(std::uint64_t length) {
+  if (length < 0x80) return 2;
+  if (length <= 0xFF) return 3;
+  if (length <= 0xFFFF) return 4;
+  return length <= 0xFFFFFF ? 5 : 6;
+}
+
+constexpr std::uint64_t element_size(std::uint64_t length) { return header_size(length) + length; }
+
+constexpr std::uint32_t integer_length(std::uint32_t value) {
+  if (value < 0x80) return 1;
+  if (value < 0x8000) return 2;
+  if (value < 0x800000) return 3;
+  return value < 0x80000000 ? 4 : 5;
+}
+
+// Adds up the sizes of what will be written and keeps the content length of every constructed
+// element in writing order, so that the Writer finds each when it comes to it. The first lengths
+// lie in the plan itself; what does not fit goes to blocks, each twice the size of the one before,
+// so that nothing is ever moved. Lengths that nobody will write from need not be kept.
+class Plan {
+ public:
+  enum class Keep : bool { kTotalOnly, kLengths };
+
+  struct Open {
+    std::uint32_t* slot = nullptr;
+    std::uint64_t before = 0;
+  };
+
+  explicit Plan(Keep keep) : keep_(keep) {}
+  Plan(const Plan&) = delete;
+  Plan& operator=(const Plan&) = delete;
+  Plan(Plan&&) = delete;
+  Plan& operator=(Plan&&) = delete;
+  ~Plan() {
+    for (Block* block = blocks_; block != nullptr;) {
+      Block* following = block->next;
+      Asn1Free(block);
+      block = following;
+    }
+  }
+
+  void add(std::uint64_t content) { total_ += element_size(content); }
+  void add_whole(std::uint64_t size) { total_ += size; }
+
+  [[nodiscard]] bool open(Open& open) {
+    if (keep_ == Keep::kTotalOnly) {
+      open = {&unkept_, total_};
+      return true;
+    }
+    if (at_ == end_ && !extend()) return false;
+    open = {at_++, total_};
+    return true;
+  }
+
+  void close(const Open& open) {
+    const std::uint64_t content = total_ - open.before;
+    *open.slot = static_cast<std::uint32_t>(content);
+    total_ += header_size(content);
+  }
+
+  // Every length within is right only when the total fits in 32 bits.
+  [[nodiscard]] bool fits() const { return total_ <= UINT32_MAX; }
+  [[nodiscard]] std::uint32_t total() const { return static_cast<std::uint32_t>(total_); }
+
+ private:
+  friend class Writer;
+
+  struct Block {
+    Block* next;
+    std::uint32_t capacity;
+    std::uint32_t padding;
+    // the lengths follow
+  };
+
+  static std::uint32_t* lengths_of(Block* block) {
+    return static_cast<std::uint32_t*>(static_cast<void*>(block + 1));
+  }
+
+  [[nodiscard]] bool extend() {
+    const std::uint32_t capacity = last_ == nullptr ? 2 * kInlineLengths : 2 * last_->capacity;
+    auto* block = static_cast<Block*>(Asn1Malloc(sizeof(Block) + sizeof(std::uint32_t) * capacity));
+    if (block == nullptr) return false;
+    *block = {nullptr, capacity, 0};
+    (last_ == nullptr ? blocks_ : last_->next) = block;
+    last_ = block;
+    at_ = lengths_of(block);
+    end_ = at_ + capacity;
+    return true;
+  }
+
+  static constexpr std::uint32_t kInlineLengths = 256;
+
+  std::uint64_t total_ = 0;
+  std::uint32_t* at_ = inline_;
+  std::uint32_t* end_ = inline_ + kInlineLengths;
+  Block* blocks_ = nullptr;
+  Block* last_ = nullptr;
+  std::uint32_t unkept_ = 0;
+  Keep keep_;
+  std::uint32_t inline_[kInlineLengths];
+};
+
+// Writes forward, once. Everything that can fail has been asked by the plan.
+class Writer {
+ public:
+  Writer(Octet* out, Plan& plan)
+      : at_(out),
+        length_(plan.inline_),
+        end_(plan.inline_ + Plan::kInlineLengths),
+        block_(plan.blocks_) {}
+
+  // For what holds no constructed element whose length a plan would have to keep.
+  explicit Writer(Octet* out) : at_(out) {}
+
+  void header(Octet tag, std::uint32_t length) {
+    *at_++ = tag;
+    if (length < 0x80) {
+      *at_++ = static_cast<Octet>(length);
+      return;
+    }
+    const std::uint32_t count = header_size(length) - 2;
+    *at_++ = static_cast<Octet>(0x80 | count);
+    big_endian(length, count);
+  }
+
+  // The header of a constructed element, whose content length the plan has kept.
+  void open(Octet tag) {
+    if (length_ == end_) {
+      length_ = Plan::lengths_of(block_);
+      end_ = length_ + block_->capacity;
+      block_ = block_->next;
+    }
+    header(tag, *length_++);
+  }
+
+  void octet(Octet value) { *at_++ = value; }
+
+  void octets(const void* bytes, std::size_t length) {
+    if (length != 0) std::memcpy(at_, bytes, length);
+    at_ += length;
+  }
+
+  void integer(std::uint32_t value) {
+    const std::uint32_t length = integer_length(value);
+    *at_++ = kInteger;
+    *at_++ = static_cast<Octet>(length);
+    if (length > sizeof value) *at_++ = 0;
+    big_endian(value, length > sizeof value ? static_cast<std::uint32_t>(sizeof value) : length);
+  }
+
+  void boolean(bool value) {
+    header(kBoolean, 1);
+    octet(value ? 0xFF : 0);
+  }
+
+  void time(std::uint64_t seconds) {
+    header(kGeneralizedTime, kTimeLength);
+    format_time(seconds, at_);
+    at_ += kTimeLength;
+  }
+
+  void null() { header(kNull, 0); }
+
+  [[nodiscard]] const Octet* at() const { return at_; }
+
+ private:
+  void big_endian(std::uint32_t value, std::uint32_t count) {
+    for (std::uint32_t i = count; i-- > 0;) *at_++ = static_cast<Octet>(value >> (8 * i));
+  }
+
+  Octet* at_;
+  const std::uint32_t* length_ = nullptr;
+  const std::uint32_t* end_ = nullptr;
+  Plan::Block* block_ = nullptr;
+};
+
+}  // namespace tq::der
+
+#endif
