@@ -17,7 +17,7 @@ ROWS = [
     ["access", "policy"],
 ]
 RANK = {folder: rank for rank, row in enumerate(ROWS) for folder in row}
-SHARED_ASN1_HEADER = "asn1/der.h"  # the rest of asn1/ is libtqasn1's own
+SHARED_ASN1_HEADERS = {"asn1/der.h", "asn1/node.h"}  # the rest of asn1/ is libtqasn1's own
 INCLUDE = re.compile(r'\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')
 
 
@@ -36,8 +36,8 @@ def fault(folder, quoted, bracketed, src):
         return None
     if target not in RANK:
         return f'"{quoted}" is in no layer'
-    if target == "asn1" and quoted != SHARED_ASN1_HEADER:
-        return f'"{quoted}" belongs to the ASN.1 library; only {SHARED_ASN1_HEADER} is shared'
+    if target == "asn1" and quoted not in SHARED_ASN1_HEADERS:
+        return f'"{quoted}" belongs to the ASN.1 library; it shares {sorted(SHARED_ASN1_HEADERS)}'
     if RANK[target] >= RANK[folder]:
         return f"{folder} may not include {target}"
     return None

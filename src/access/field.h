@@ -6,6 +6,7 @@
 
 #include "asn1/der.h"
 #include "core/model/buffer.h"
+#include "core/model/chain.h"
 #include "core/model/records.h"
 
 namespace tq {
@@ -50,11 +51,9 @@ template <class FieldOf, class Length>
 }
 
 template <class Record>
-[[nodiscard]] std::int32_t count_list(const Record* first, std::uint32_t* count) {
-  if (count == nullptr) return -1;
-  std::uint32_t counted = 0;
-  for (; first != nullptr; first = first->next) ++counted;
-  *count = counted;
+[[nodiscard]] std::int32_t get_count(const Record* first, std::uint32_t* answer) {
+  if (answer == nullptr) return -1;
+  *answer = count(first);
   return 0;
 }
 

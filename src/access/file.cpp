@@ -143,13 +143,13 @@ std::int32_t GLGetFileNo(TqLabel label, char* buffer) {
 }
 
 std::int32_t GetLogCout(TqLabel label, std::uint32_t* count) {
-  return label == nullptr ? -1 : tq::count_list(label->body.logs, count);
+  return label == nullptr ? -1 : tq::get_count(label->body.logs, count);
 }
 std::int32_t GetExtendCount(TqLabel label, std::uint32_t* count) {
-  return label == nullptr ? -1 : tq::count_list(label->body.extends, count);
+  return label == nullptr ? -1 : tq::get_count(label->body.extends, count);
 }
 std::int32_t GetDigitEnvlopeCountFromBody(TqLabel label, std::uint32_t* count) {
-  return label == nullptr ? -1 : tq::count_list(label->body.bodyEnvelopes, count);
+  return label == nullptr ? -1 : tq::get_count(label->body.bodyEnvelopes, count);
 }
 
 std::uint32_t GetStringLength(const char* text) {

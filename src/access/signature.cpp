@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "access/field.h"
+#include "access/copy.h"
 #include "core/model/layout.h"
 #include "crypto/signatures.h"
 
@@ -18,12 +18,6 @@ constexpr std::uint32_t kValueUnit = 32;
 
 constexpr auto kSignValue = [](TqLabelHandle & label) -> auto& { return label.body.bodySignValue; };
 constexpr auto kSignCert = [](TqLabelHandle & label) -> auto& { return label.body.bodySignCert; };
-
-// Copies without a capacity, for callers who know the size; without a buffer only the length.
-void copy_unchecked(const ANYBUF& field, std::uint8_t* buffer, std::uint32_t& length) {
-  if (buffer != nullptr && field.length != 0) std::memcpy(buffer, field.data, field.length);
-  length = field.length;
-}
 
 // The name of the first signer's algorithm, or the empty text.
 void copy_algorithm_name(const ANYBUF& algorithm, char* buffer) {

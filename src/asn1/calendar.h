@@ -67,7 +67,8 @@ constexpr void put_two_digits(std::uint8_t* text, std::uint32_t value) {
 }
 
 // Reads the kTimeLength octets of a GeneralizedTime.
-[[nodiscard]] constexpr bool parse_time(const std::uint8_t* text, std::uint64_t& seconds) {
+[[nodiscard, gnu::noinline]] constexpr bool parse_time(const std::uint8_t* text,
+                                                       std::uint64_t& seconds) {
   std::uint32_t century = 0;
   std::uint32_t year = 0;
   std::uint32_t month = 0;
@@ -91,7 +92,7 @@ constexpr void put_two_digits(std::uint8_t* text, std::uint32_t value) {
 }
 
 // Writes kTimeLength octets; seconds must not exceed kLastTime.
-constexpr void format_time(std::uint64_t seconds, std::uint8_t* text) {
+[[gnu::noinline]] constexpr void format_time(std::uint64_t seconds, std::uint8_t* text) {
   const Date date = date_from_days(static_cast<std::uint32_t>(seconds / kDaySeconds));
   const auto rest = static_cast<std::uint32_t>(seconds % kDaySeconds);
   put_two_digits(text, date.year / 100);

@@ -2,7 +2,8 @@
 #define TQ_ASN1_DER_H
 
 // The DER rules (X.690), each stated once: what a header is, what the content of each type is, how
-// long an element becomes and how it is written. Both libraries are layers over this file.
+// long an element becomes and how it is written. Both libraries are layers over this file. What
+// long lengths and times need is kept out of line: every field of every record would repeat it.
 
 #include <tqasn1/asn1.h>
 
@@ -111,8 +112,8 @@ class Cursor {
     return true;
   }
 
-  [[nodiscard]] bool long_length(std::size_t left, std::uint32_t& header,
-                                 std::uint32_t& length) const {
+  [[nodiscard, gnu::noinline]] bool long_length(std::size_t left, std::uint32_t& header,
+                                                std::uint32_t& length) const {
     const std::uint32_t count = length & 0x7F;
     if (count == 0 || count > sizeof length || left - 2 < count || at_[2] == 0) return false;
     length = 0;
@@ -253,7 +254,7 @@ class Plan {
     return static_cast<std::uint32_t*>(static_cast<void*>(block + 1));
   }
 
-  [[nodiscard]] bool extend() {
+  [[nodiscard, gnu::noinline]] bool extend() {
     const std::uint32_t capacity = last_ == nullptr ? 2 * kInlineLengths : 2 * last_->capacity;
     auto* block = static_cast<Block*>(Asn1Malloc(sizeof(Block) + sizeof(std::uint32_t) * capacity));
     if (block == nullptr) return false;
@@ -341,7 +342,7 @@ class Writer {
   [[nodiscard]] const Octet* at() const { return at_; }
 
  private:
-  void big_endian(std::uint32_t value, std::uint32_t count) {
+  [[gnu::noinline]] void big_endian(std::uint32_t value, std::uint32_t count) {
     for (std::uint32_t i = count; i-- > 0;) *at_++ = static_cast<Octet>(value >> (8 * i));
   }
 

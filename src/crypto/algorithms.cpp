@@ -112,14 +112,12 @@ std::int32_t ParseAlgToModeAndBits(const char* name, char* base, std::uint32_t s
                                    std::uint8_t* mode, std::uint32_t* key_length) {
   if (name == nullptr || base == nullptr || size == 0) return -1;
   std::memset(base, 0, size);
-  const std::string_view whole(name);
-  const std::size_t dot = whole.find('.');
-  if (!append(base, size, whole.substr(0, dot))) return -1;
-  if (dot == std::string_view::npos) return 0;
-  const std::string_view suffixes = whole.substr(dot + 1);
-  const std::size_t second = suffixes.find('.');
-  if (second != std::string_view::npos && key_length != nullptr &&
-      !parse_key_length(suffixes.substr(0, second), *key_length)) {
+  const char* dot = std::strchr(name, '.');
+  if (!append(base, size, dot == nullptr ? name : std::string_view(name, dot))) return -1;
+  if (dot == nullptr) return 0;
+  const char* second = std::strchr(dot + 1, '.');
+  if (second != nullptr && key_length != nullptr &&
+      !parse_key_length(std::string_view(dot + 1, second), *key_length)) {
     return kUnknownKeyLength;
   }
   // Whatever the mode is called: the output says that there is one, not which.
