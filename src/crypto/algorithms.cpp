@@ -129,8 +129,11 @@ std::int32_t ConvertAlg2OID() { return 0; }
 
 std::int32_t ConvertOID2Alg(ANYBUF* source, ANYBUF* destination) {
   if (source == nullptr || destination == nullptr) return -1;
-  *destination = *source;
-  Asn1Free(source);
+  ANYBUF* const next = source->next;
+  void* const last = source->last;
+  if (CopyElementOtoO(source, destination) != 0) return -1;
+  destination->next = next;
+  destination->last = last;
   return 0;
 }
 

@@ -5,7 +5,7 @@ namespace {
 
 [[nodiscard]] std::int32_t encode_label(const TqLabelHandle* label, const Scope& scope,
                                         std::uint8_t* buffer, std::uint32_t* length) {
-  if (length == nullptr || !can_write_head(*label)) return -1;
+  if (length == nullptr || !can_write_head(*label, label->head)) return -1;
   return encode_out(kLabel, *label, scope, buffer, length);
 }
 

@@ -5,13 +5,13 @@ namespace {
 
 [[nodiscard]] std::int32_t encode_head(const TqLabelHandle& label, const Head& head,
                                        const Scope& scope, ANYBUF** slot) {
-  return can_write_head(label) ? encode(kHead, &head, slot, scope) : -1;
+  return can_write_head(label, head) ? encode(kHead, &head, slot, scope) : -1;
 }
 
 }  // namespace
 
-bool can_write_head(const TqLabelHandle& label) {
-  return layout_of(label).known() && version_text_agrees(label, label.head.versionText);
+bool can_write_head(const TqLabelHandle& label, const Head& head) {
+  return layout_of(label).known() && version_text_agrees(label, head.versionText);
 }
 
 bool read_head(Head& head, TqLabelHandle& label, bool views, der::Cursor& in) {

@@ -28,7 +28,7 @@ inline constexpr auto kHeadRest = either<in_11>(kHeadRest11, kHeadRest60);
 inline constexpr auto kHead = record(kHeadFront, kHeadRest);
 
 // Whether a head can be written: its version is known and its version text says the same.
-[[nodiscard]] bool can_write_head(const TqLabelHandle& label);
+[[nodiscard]] bool can_write_head(const TqLabelHandle& label, const Head& head);
 
 // Reads a head and with it the version of its label.
 [[nodiscard]] bool read_head(Head& head, TqLabelHandle& label, bool views, der::Cursor& in);
