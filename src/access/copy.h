@@ -23,7 +23,7 @@ template <class Byte, class Length>
 [[nodiscard]] bool copy_to_caller(const ANYBUF& field, Byte*& buffer, Length& length) {
   if (field.data == nullptr) return true;
   if (buffer == nullptr) {
-    buffer = reinterpret_cast<Byte*>(duplicate(field));
+    buffer = static_cast<Byte*>(static_cast<void*>(duplicate(field)));
     if (buffer == nullptr) return false;
   } else {
     std::memcpy(buffer, field.data, field.length);

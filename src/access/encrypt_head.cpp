@@ -4,24 +4,31 @@
 #include "core/model/layout.h"
 #include "crypto/algorithms.h"
 
+namespace {
+
+[[nodiscard]] bool store_algorithm(ANYBUF& field, const tq::Layout& layout,
+                                   const std::uint8_t* name, std::uint8_t length) {
+  if (layout.v60) return tq::replace(field, name, length, tq::der::kPrintableString);
+  std::uint8_t octets[tq::kObjectIdRoom];
+  std::uint32_t used = sizeof octets;
+  return SflAlg2OID(name, length, 0, 0, octets, &used) == 0 &&
+         tq::replace(field, octets, used, tq::der::kObjectId);
+}
+
+}  // namespace
+
 std::int32_t SetEncryptHead(TqLabel label, const std::uint8_t* alg, std::uint32_t algLen,
                             std::uint32_t feedBackBits) {
   if (label == nullptr || alg == nullptr) return -1;
   tq::EncryptHead& head = label->head.encryptHead;
   const tq::Layout layout = tq::layout_of(*label);
-  std::uint8_t octets[tq::kObjectIdRoom];
-  std::uint32_t length = sizeof octets;
-  if (layout.v60) {
-    if (!tq::replace(head.algorithm, alg, tq::low8(algLen), tq::der::kPrintableString)) return -1;
-  } else if (!layout.v11) {
-    return -1;
-  } else if (tq::low8(algLen) == 0) {
+  const std::uint8_t length = tq::low8(algLen);
+  if (!layout.known()) return -1;
+  if (layout.v11 && length == 0) {
     tq::clear(head.algorithm);
     return 0;
-  } else if (SflAlg2OID(alg, tq::low8(algLen), 0, 0, octets, &length) != 0 ||
-             !tq::replace(head.algorithm, octets, length, tq::der::kObjectId)) {
-    return -1;
   }
+  if (!store_algorithm(head.algorithm, layout, alg, length)) return -1;
   head.mode = 0;
   head.feedBackBits = tq::low8(feedBackBits);
   return 0;

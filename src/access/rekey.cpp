@@ -59,9 +59,8 @@ std::int32_t SetCurrentEmuEnvolop(DigitEnvolopEnum* enumerator, const std::uint8
   tq::ENVELOPE& envelope = enumerator->current->envelope;
   tq::clear(envelope.encryptedKey);  // the old key goes in any case
   if (!tq::replace(envelope.encryptedKey, bodyKey, bodyKeyLen, tq::der::kOctetString)) return -1;
-  std::uint8_t name[tq::kAlgorithmNameRoom] = {};
-  if (SflOID2Alg(envelope.algorithm.data, envelope.algorithm.length, reinterpret_cast<char*>(name),
-                 nullptr, nullptr) != 0 ||
+  char name[tq::kAlgorithmNameRoom] = {};
+  if (SflOID2Alg(envelope.algorithm.data, envelope.algorithm.length, name, nullptr, nullptr) != 0 ||
       envelope.serial.length > UINT8_MAX) {
     return -1;
   }
@@ -69,8 +68,8 @@ std::int32_t SetCurrentEmuEnvolop(DigitEnvolopEnum* enumerator, const std::uint8
   if (!issuer) return -1;
   std::uint8_t none = 0;  // stands for a serial number without octets
   EnvelopeInfo info = {};
-  info.alg = name;
-  info.algLen = static_cast<std::uint8_t>(std::strlen(reinterpret_cast<const char*>(name)));
+  info.alg = tq::as_octets(name);
+  info.algLen = static_cast<std::uint8_t>(std::strlen(name));
   info.serial = envelope.serial.length == 0 ? &none : envelope.serial.data;
   info.serialLen = static_cast<std::uint8_t>(envelope.serial.length);
   info.key = const_cast<std::uint8_t*>(headKey);  // an input of the call that takes it

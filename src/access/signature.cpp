@@ -28,7 +28,7 @@ void copy_algorithm_name(const ANYBUF& algorithm, char* buffer) {
 
 void copy_head_algorithm_name(TqLabel label, char* buffer) {
   std::uint32_t length = kNameRoom;
-  if (GetHeadSignAlg(label, reinterpret_cast<std::uint8_t*>(buffer), &length) != 0) length = 0;
+  if (GetHeadSignAlg(label, as_octets(buffer), &length) != 0) length = 0;
   if (length < kNameRoom) buffer[length] = '\0';
 }
 
@@ -51,7 +51,7 @@ std::int32_t SetMultiSignAttribute(Sign* sign, const SignAttribute* attribute) {
   Block<std::uint8_t> algorithm = make_zeroed<std::uint8_t>(kNameRoom);
   if (!algorithm) return -1;
   std::uint32_t length = kNameRoom;  // stays for a name that is not known
-  static_cast<void>(SflAlg2OID(reinterpret_cast<const std::uint8_t*>(attribute->algName),
+  static_cast<void>(SflAlg2OID(as_octets(attribute->algName),
                                GetStringLength(attribute->algName) - 1, 0, 0, algorithm.get(),
                                &length));
   adopt(sign->algorithm, std::move(algorithm), length, der::kObjectId);

@@ -28,7 +28,7 @@ void move_to(SignEnum& enumerator, const Sign* sign) {
 [[nodiscard]] Block<char> make_name(TqLabel label) {
   Block<char> name = make_zeroed<char>(kNameRoom);
   std::uint32_t length = kNameRoom - 1;
-  if (!name || GetHeadSignAlg(label, reinterpret_cast<std::uint8_t*>(name.get()), &length) != 0) {
+  if (!name || GetHeadSignAlg(label, as_octets(name.get()), &length) != 0) {
     return nullptr;
   }
   return name;

@@ -79,7 +79,7 @@ constexpr std::size_t octets_in_all() {
 
 consteval auto collect_octets() {
   std::array<std::uint8_t, octets_in_all()> octets{};
-  auto at = octets.begin();
+  auto* at = octets.begin();
   for (const Row& row : kRows) {
     at = std::transform(row.octets.begin(), row.octets.end(), at,
                         [](char octet) { return static_cast<std::uint8_t>(octet); });

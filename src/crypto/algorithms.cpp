@@ -160,7 +160,7 @@ std::int32_t SflOID2Alg(const std::uint8_t* oid, std::uint32_t len, char* name, 
   if (row == nullptr) return -1;
   char base[tq::kAlgorithmNameRoom];
   const std::int32_t result = tq::ParseAlgToModeAndBits(row->name, base, sizeof base, mode, keyLen);
-  std::memcpy(name, base, std::strlen(base));
+  std::copy_n(base, std::strlen(base), name);  // without a terminator
   return result;
 }
 

@@ -54,6 +54,14 @@ class OnExit {
   bool armed_ = true;
 };
 
+// Texts are passed as char to some functions of the interface and as octets to others.
+inline std::uint8_t* as_octets(char* text) {
+  return static_cast<std::uint8_t*>(static_cast<void*>(text));
+}
+inline const std::uint8_t* as_octets(const char* text) {
+  return static_cast<const std::uint8_t*>(static_cast<const void*>(text));
+}
+
 // A field that refers to somebody else's bytes, who keeps them longer than the field.
 inline ANYBUF view_of(const void* bytes, std::uint32_t length, std::uint32_t type) {
   auto* data = const_cast<std::uint8_t*>(static_cast<const std::uint8_t*>(bytes));

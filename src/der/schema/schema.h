@@ -9,7 +9,7 @@
 // can be written), write, read, release and buffers. Everything that can fail in writing fails in
 // plan.
 
-#include <concepts>
+#include <algorithm>
 #include <string_view>
 
 #include "asn1/node.h"
@@ -57,10 +57,7 @@ struct Field {
   template <class R, class Function>
   [[nodiscard]] static bool each(R& record, Function function) {
     if constexpr (std::is_array_v<Value>) {
-      for (auto& item : record.*Member) {
-        if (!function(item)) return false;
-      }
-      return true;
+      return std::ranges::all_of(record.*Member, function);
     } else {
       return function(record.*Member);
     }
