@@ -37,7 +37,8 @@ enum {
 };
 
 /**
- * One element, or the contents of one: the node of all primitives and the byte field of all records.
+ * One element, or the contents of one: the node of all primitives and the byte field of all
+ * records.
  *
  * A node is *encoded*, its bytes being a whole element or a content, or it is a *tree*: an element
  * that a Set primitive has built around other nodes and that has no bytes yet (`data` is null,
@@ -256,8 +257,8 @@ TQ_ASN1_API int32_t QZAsn1SetNull(ANYBUF** element);
  * Each Set primitive takes such a node (any form; its type is not looked at) and copies its bytes
  * into a new element.
  *
- * All of them: @retval 0 done; @retval -1 a null argument, another element, a node that has a length
- * but no bytes, or no memory. */
+ * All of them: @retval 0 done; @retval -1 a null argument, another element, a node that has a
+ * length but no bytes, or no memory. */
 
 /** Reads the content octets of an INTEGER unchanged, none at all included. */
 TQ_ASN1_API int32_t QZAsn1GetIntegerArray(const ANYBUF* element, ANYBUF** content);

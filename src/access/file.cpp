@@ -5,35 +5,43 @@
 namespace tq {
 namespace {
 
-constexpr auto kFileType = [](TqLabelHandle & label) -> auto& {
+constexpr auto kFileType = [](TqLabelHandle& label) -> std::uint32_t& {
   return label.body.content.intAttr1;
 };
-constexpr auto kSecrecy = [](TqLabelHandle & label) -> auto& {
+constexpr auto kSecrecy = [](TqLabelHandle& label) -> std::uint32_t& {
   return label.body.content.intAttr2;
 };
-constexpr auto kFileSize = [](TqLabelHandle & label) -> auto& {
+constexpr auto kFileSize = [](TqLabelHandle& label) -> std::uint32_t& {
   return label.body.content.intAttr3;
 };
-constexpr auto kFileName = [](TqLabelHandle & label) -> auto& {
+constexpr auto kFileName = [](TqLabelHandle& label) -> ANYBUF& {
   return label.body.content.strAttr1;
 };
-constexpr auto kFileTitle = [](TqLabelHandle & label) -> auto& {
+constexpr auto kFileTitle = [](TqLabelHandle& label) -> ANYBUF& {
   return label.body.content.strAttr2;
 };
-constexpr auto kModified = [](TqLabelHandle & label) -> auto& { return label.body.content.time1; };
-constexpr auto kExpires = [](TqLabelHandle & label) -> auto& { return label.body.content.time2; };
-constexpr auto kAbolished = [](TqLabelHandle & label) -> auto& { return label.body.content.time3; };
-constexpr auto kDestroyed = [](TqLabelHandle & label) -> auto& { return label.body.content.time4; };
-constexpr auto kFileAlign = [](TqLabelHandle & label) -> auto& {
+constexpr auto kModified = [](TqLabelHandle& label) -> std::uint64_t& {
+  return label.body.content.time1;
+};
+constexpr auto kExpires = [](TqLabelHandle& label) -> std::uint64_t& {
+  return label.body.content.time2;
+};
+constexpr auto kAbolished = [](TqLabelHandle& label) -> std::uint64_t& {
+  return label.body.content.time3;
+};
+constexpr auto kDestroyed = [](TqLabelHandle& label) -> std::uint64_t& {
+  return label.body.content.time4;
+};
+constexpr auto kFileAlign = [](TqLabelHandle& label) -> std::uint32_t& {
   return label.body.align.fileAlignSize;
 };
-constexpr auto kUnEffect = [](TqLabelHandle & label) -> auto& {
+constexpr auto kUnEffect = [](TqLabelHandle& label) -> std::uint32_t& {
   return label.body.align.fileUnEffectSize;
 };
-constexpr auto kLabelAlign = [](TqLabelHandle & label) -> auto& {
+constexpr auto kLabelAlign = [](TqLabelHandle& label) -> std::uint32_t& {
   return label.body.align.labelAlignSize;
 };
-constexpr auto kFileNo = [](TqLabelHandle & label) -> auto& {
+constexpr auto kFileNo = [](TqLabelHandle& label) -> ANYBUF& {
   return label.body.fileCreator.creatorStr1;
 };
 

@@ -16,8 +16,10 @@ constexpr std::uint32_t kNameRoom = 64;
 // Signature values are taken in whole units only.
 constexpr std::uint32_t kValueUnit = 32;
 
-constexpr auto kSignValue = [](TqLabelHandle & label) -> auto& { return label.body.bodySignValue; };
-constexpr auto kSignCert = [](TqLabelHandle & label) -> auto& { return label.body.bodySignCert; };
+constexpr auto kSignValue = [](TqLabelHandle& label) -> ANYBUF& {
+  return label.body.bodySignValue;
+};
+constexpr auto kSignCert = [](TqLabelHandle& label) -> ANYBUF& { return label.body.bodySignCert; };
 
 // The name of the first signer's algorithm, or the empty text.
 void copy_algorithm_name(const ANYBUF& algorithm, char* buffer) {
@@ -27,26 +29,51 @@ void copy_algorithm_name(const ANYBUF& algorithm, char* buffer) {
 }
 
 void copy_head_algorithm_name(TqLabel label, char* buffer) {
-  std::uint32_t length = kNameRoom;
+  std::uint32_t length = kNameRoom - 1;
   if (GetHeadSignAlg(label, as_octets(buffer), &length) != 0) length = 0;
-  if (length < kNameRoom) buffer[length] = '\0';
+  buffer[length] = '\0';
 }
 
-// A record for one more signer, behind all others.
-Sign* append_signer(Sign& first) {
+bool is_complete(const SignAttribute& attribute) {
+  return attribute.cert != nullptr && attribute.value != nullptr && attribute.algName != nullptr;
+}
+
+// An incomplete attribute makes an empty record, which is no failure; no memory is.
+[[nodiscard]] bool make_signer(const SignAttribute& attribute, Sign& sign) {
+  if (!is_complete(attribute) || SetMultiSignAttribute(&sign, &attribute) == 0) return true;
+  FreeSign(&sign);
+  return false;
+}
+
+[[nodiscard]] bool append_signer(Sign& first, const SignAttribute& attribute) {
+  Block<Sign> made = make_zeroed<Sign>();
+  if (!made || !make_signer(attribute, *made)) return false;
   Sign* last = &first;
   while (last->next != nullptr) last = last->next;
-  last->next = make_zeroed<Sign>().release();
-  return last->next;
+  last->next = made.release();
+  return true;
+}
+
+[[nodiscard]] bool replace_signers(Sign& first, const SignAttribute& attribute) {
+  Sign made = {};
+  if (!make_signer(attribute, made)) return false;
+  FreeMultiSign(&first);
+  first = made;
+  return true;
+}
+
+// A certificate or a value that its own setter would refuse is passed over.
+[[nodiscard]] bool set_single_signer(TqLabel label, const SignAttribute& attribute) {
+  const bool has_cert = attribute.cert != nullptr && attribute.certLen != 0;
+  const bool has_value = attribute.valueLen % kValueUnit == 0;
+  return (!has_cert || SetBodySignCert(label, attribute.cert, attribute.certLen) == 0) &&
+         (!has_value || SetBodySigVal(label, attribute.value, attribute.valueLen) == 0);
 }
 
 }  // namespace
 
 std::int32_t SetMultiSignAttribute(Sign* sign, const SignAttribute* attribute) {
-  if (sign == nullptr || attribute == nullptr || attribute->cert == nullptr ||
-      attribute->value == nullptr || attribute->algName == nullptr) {
-    return -1;
-  }
+  if (sign == nullptr || attribute == nullptr || !is_complete(*attribute)) return -1;
   FreeSign(sign);
   Block<std::uint8_t> algorithm = make_zeroed<std::uint8_t>(kNameRoom);
   if (!algorithm) return -1;
@@ -79,24 +106,18 @@ std::int32_t GetBodySigVal(TqLabel label, std::uint8_t* buffer, std::uint32_t* l
   return tq::get_bytes(label, tq::kSignValue, buffer, length);
 }
 
-// What becomes of the attribute itself is not reported: callers have always been told 0.
+// An attribute that cannot be stored as it is has never been a failure to callers.
 std::int32_t SetBodySignAttr(TqLabel label, std::int32_t append, const SignAttribute* attribute) {
   if (label == nullptr || attribute == nullptr) return -1;
-  if (!tq::layout_of(*label).multi_sign) {
-    if (attribute->value == nullptr) return 0;
-    static_cast<void>(SetBodySignCert(label, attribute->cert, attribute->certLen));
-    static_cast<void>(SetBodySigVal(label, attribute->value, attribute->valueLen));
-    return 0;
+  tq::Sign& first = label->body.multiSign;
+  bool done = true;
+  if (tq::layout_of(*label).multi_sign) {
+    done =
+        append == 0 ? tq::replace_signers(first, *attribute) : tq::append_signer(first, *attribute);
+  } else if (attribute->value != nullptr) {
+    done = tq::set_single_signer(label, *attribute);
   }
-  tq::Sign* sign = &label->body.multiSign;
-  if (append == 0) {
-    tq::FreeMultiSign(sign);
-  } else {
-    sign = tq::append_signer(*sign);
-    if (sign == nullptr) return -1;
-  }
-  static_cast<void>(tq::SetMultiSignAttribute(sign, attribute));
-  return 0;
+  return done ? 0 : -1;
 }
 
 std::int32_t GetBodySignAttr(TqLabel label, SignAttribute* attribute) {
