@@ -1,0 +1,3 @@
+"$TQLABEL" --version
+"$TQLABEL" --help
+"$TQLABEL" inspect --help

@@ -1,0 +1,1 @@
+"$TQLABEL" inspect "$TQLABEL_DATA/cli/112.der"

@@ -1,0 +1,1 @@
+"$TQLABEL" inspect "$TQLABEL_DATA/cli/hostile_texts.der"

@@ -1,0 +1,6 @@
+# The worst status wins wherever it stands, and what can be shown is shown.
+cp "$TQLABEL_DATA/cli/11_padded_encrypted.der" good
+cp "$TQLABEL_DATA/cli/broken_body.der" bad
+"$TQLABEL" inspect bad missing - <good >output || echo "status $?"
+grep '^ \{0,2\}[^ ]' output
+"$TQLABEL" inspect missing good >output || echo "status $?"

@@ -1,0 +1,30 @@
+#ifndef TQLABEL_TOOL_TEXT_H
+#define TQLABEL_TOOL_TEXT_H
+
+// Texts from files, made fit to be shown: what a terminal would act on, what cannot be seen and
+// what is no text becomes an escape, so that two texts that differ never look the same.
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace tq::tool {
+
+using Bytes = std::span<const std::uint8_t>;
+
+enum class Encoding { kUtf8, kUtf16BigEndian };
+
+// The text with escapes; a backslash goes before each of the characters of `specials`. Of a long
+// text only the beginning is given, followed by a remark.
+[[nodiscard]] std::string escaped(Bytes text, Encoding encoding, std::string_view specials);
+
+// The same within quotes, or "none" for an empty text.
+[[nodiscard]] std::string quoted(Bytes text);
+
+// A name of a file as it may stand in a message.
+[[nodiscard]] std::string escaped_path(std::string_view path);
+
+}  // namespace tq::tool
+
+#endif
