@@ -4,6 +4,24 @@
 
 #include "access/copy.h"
 
+namespace tq {
+namespace {
+
+// The values beside the texts: what stands for what, for either way.
+template <class Record, class Info, class Assign>
+void each_value(Record& record, Info& info, Assign assign) {
+  assign(record.intAttr1, info.fileType);
+  assign(record.intAttr2, info.secrecy);
+  assign(record.intAttr3, info.fileSize);
+  assign(record.time1, info.modifyTime);
+  assign(record.time2, info.expiryTime);
+  assign(record.time3, info.abolishTime);
+  assign(record.time4, info.destroyTime);
+}
+
+}  // namespace
+}  // namespace tq
+
 std::int32_t SetContentAtrr(TqLabel label, const ContentAttrInfo* content) {
   if (label == nullptr || content == nullptr) return -1;
   tq::ContentAtrr& record = label->body.content;
@@ -15,13 +33,7 @@ std::int32_t SetContentAtrr(TqLabel label, const ContentAttrInfo* content) {
     tq::FreeContentAtrr(&record);  // so that the call can be made again
     return -1;
   }
-  record.intAttr1 = content->fileType;
-  record.intAttr2 = content->secrecy;
-  record.intAttr3 = content->fileSize;
-  record.time1 = content->modifyTime;
-  record.time2 = content->expiryTime;
-  record.time3 = content->abolishTime;
-  record.time4 = content->destroyTime;
+  tq::each_value(record, *content, [](auto& stored, const auto& given) { stored = given; });
   return 0;
 }
 
@@ -33,13 +45,7 @@ std::int32_t GetContentAtrr(TqLabel label, ContentAttrInfo* content) {
   const tq::ContentAtrr& record = label->body.content;
   tq::copy_unchecked(record.strAttr1, content->fileName, content->fileNameLen);
   tq::copy_unchecked(record.strAttr2, content->fileTitle, content->fileTitleLen);
-  content->fileType = record.intAttr1;
-  content->secrecy = record.intAttr2;
-  content->fileSize = record.intAttr3;
-  content->modifyTime = record.time1;
-  content->expiryTime = record.time2;
-  content->abolishTime = record.time3;
-  content->destroyTime = record.time4;
+  tq::each_value(record, *content, [](const auto& stored, auto& given) { given = stored; });
   return 0;
 }
 

@@ -1,5 +1,7 @@
 // Adding and finding the envelopes of a label.
 
+#include "access/envelope.h"
+
 #include "access/field.h"
 #include "crypto/algorithms.h"
 #include "crypto/recipients.h"
@@ -52,14 +54,7 @@ template <class Node>
 }
 
 [[nodiscard]] bool fill(OPrivilege& privilege, const PrivilegeInfo& info) {
-  privilege.priFlag1 = info.flag1;
-  privilege.priValue1 = info.number1;
-  privilege.priValue2 = info.readCount;
-  privilege.priFlag2 = info.flag2;
-  privilege.priFlag3 = info.flag3;
-  privilege.priFlag4 = info.flag4;
-  privilege.priValue3 = info.number3;
-  privilege.priValue4 = info.number4;
+  each_value(privilege, info, [](auto& stored, const auto& given) { stored = given; });
   return replace(privilege.priSubject, info.data, info.dataLen, der::type_word(der::kSequence)) &&
          fill_pairs(privilege.extPriList, info);
 }

@@ -82,14 +82,7 @@ template <class Length>
 [[nodiscard]] Answer copy_privilege(const OPrivilege& privilege, PrivilegeInfo& info) {
   const Answer answer = copy_buffer(privilege.priSubject, info.data, info.dataLen);
   if (answer != kCopied) return answer;
-  info.flag1 = privilege.priFlag1;
-  info.number1 = privilege.priValue1;
-  info.readCount = privilege.priValue2;
-  info.flag2 = privilege.priFlag2;
-  info.flag3 = privilege.priFlag3;
-  info.flag4 = privilege.priFlag4;
-  info.number3 = privilege.priValue3;
-  info.number4 = privilege.priValue4;
+  each_value(privilege, info, [](const auto& stored, auto& given) { given = stored; });
   return copy_pairs(privilege.extPriList, info);
 }
 
