@@ -70,7 +70,7 @@ std::int32_t EncodeEncryptHead(const TqLabelHandle* label, const EncryptHead* re
                                const ANYBUF* envelopes, ANYBUF** slot) {
   if (label == nullptr || envelopes == nullptr) return -1;
   ReadyParts parts;
-  parts[Part::kHeadEnvelopes] = envelopes;
+  parts[Part::kHeadEnvelopesNode] = envelopes;
   Scope scope = scope_of(*label);
   scope.ready = &parts;
   return scope.layout.known() ? encode(kEncryptHead, record, slot, scope) : -1;

@@ -40,7 +40,7 @@ inline constexpr auto kBodyEnvelopes = list_of<AlwaysNull>(kBodyEnvelope);
 inline constexpr auto kEncryptHead =
     record(either<in_11>(object_id<&EncryptHead::algorithm>, printable<&EncryptHead::algorithm>),
            integer<&EncryptHead::mode>, when<in_11>(integer<&EncryptHead::feedBackBits>),
-           ready<Part::kHeadEnvelopes>(nested<&EncryptHead::envelopes, kHeadEnvelopes>));
+           ready<Part::kHeadEnvelopesNode>(nested<&EncryptHead::envelopes, kHeadEnvelopes>));
 
 std::int32_t EncodeENVELOPE(const TqLabelHandle* label, const ENVELOPE* record, ANYBUF** slot);
 std::int32_t DecodeENVELOPE(const ANYBUF* element, ENVELOPE* record, const TqLabelHandle* label);

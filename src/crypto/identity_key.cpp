@@ -49,6 +49,7 @@ std::uint8_t octet_at(const Point& point, std::uint32_t index) {
   const std::uint32_t half = (point.length - 1) / 2;
   const std::uint8_t* first = point.data + 1;
   const std::uint8_t* second = first + half;
+  if (*second == 0 && key.e5.length == 0) return false;
   if (*first != 0 && *second != 0) {
     out.number(static_cast<std::uint8_t>(half));
     out.bytes(first, std::size_t{2} * half);
@@ -63,7 +64,6 @@ std::uint8_t octet_at(const Point& point, std::uint32_t index) {
   out.number(static_cast<std::uint8_t>(half));
   // The second half goes where a first half as long as one of e5's would end. Callers rely on it,
   // also where e5 has another length than the point.
-  if (key.e5.length == 0) return false;
   const auto start = static_cast<std::uint64_t>(out.at() - blob);
   const std::uint64_t place = start + (key.e5.length - 1) / 2;
   if (place + (half - 1) > capacity) return false;

@@ -70,14 +70,14 @@ std::int32_t EncodeBody(const TqLabelHandle* label, const Body* body, const Body
     return -1;
   }
   ReadyParts ready;
-  ready[Part::kBodyEnvelopes] = parts.envelopes;
-  ready[Part::kFileCreator] = parts.file_creator;
-  ready[Part::kContent] = parts.content;
-  ready[Part::kExtends] = parts.extends;
-  ready[Part::kLogs] = parts.logs;
-  ready[Part::kStamp] = parts.stamp;
-  ready[Part::kWaterMark] = parts.water_mark;
-  ready[Part::kFingerPrint] = parts.finger_print;
+  ready[Part::kBodyEnvelopesNode] = parts.envelopes;
+  ready[Part::kFileCreatorNode] = parts.file_creator;
+  ready[Part::kContentNode] = parts.content;
+  ready[Part::kExtendsNode] = parts.extends;
+  ready[Part::kLogsNode] = parts.logs;
+  ready[Part::kStampNode] = parts.stamp;
+  ready[Part::kWaterMarkNode] = parts.water_mark;
+  ready[Part::kFingerPrintNode] = parts.finger_print;
   Scope scope = scope_of(*label);
   scope.ready = &ready;
   return scope.layout.known() ? encode(kBody, body, slot, scope) : -1;

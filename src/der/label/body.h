@@ -15,15 +15,15 @@ namespace tq {
 // Stamp, watermark and fingerprints. In "1.1.2" each has a tag, may be missing and is read in
 // whatever order it comes; a second one of a kind replaces the first.
 struct Markings
-    : decltype(run(ready<Part::kStamp>(nested<&Body::stamp, kStamp>),
-                   ready<Part::kWaterMark>(nested<&Body::waterMark, kWaterMark>),
-                   ready<Part::kFingerPrint>(nested<&Body::fingerPrint, kFingerPrint>))) {
+    : decltype(run(ready<Part::kStampNode>(nested<&Body::stamp, kStamp>),
+                   ready<Part::kWaterMarkNode>(nested<&Body::waterMark, kWaterMark>),
+                   ready<Part::kFingerPrintNode>(nested<&Body::fingerPrint, kFingerPrint>))) {
   [[nodiscard]] static bool read(Body& body, const Scope& scope, der::Cursor& in);
 };
 
 // Extension values and logs. "6.0" has both; "1.1" tags them and leaves out the empty ones.
-struct Tail : decltype(run(ready<Part::kExtends>(nested<&Body::extends, kExtends>),
-                           ready<Part::kLogs>(nested<&Body::logs, kLogs>))) {
+struct Tail : decltype(run(ready<Part::kExtendsNode>(nested<&Body::extends, kExtends>),
+                           ready<Part::kLogsNode>(nested<&Body::logs, kLogs>))) {
   [[nodiscard]] static bool read(Body& body, const Scope& scope, der::Cursor& in);
 };
 
@@ -31,9 +31,9 @@ inline constexpr auto kBody =
     record(either<in_multi_sign>(
                nested<&Body::multiSign, kMultiSign>,
                run(bits<&Body::bodySignValue>, raw_lenient<&Body::bodySignCert, is_sequence>)),
-           ready<Part::kBodyEnvelopes>(nested<&Body::bodyEnvelopes, kBodyEnvelopes>), Markings{},
-           ready<Part::kFileCreator>(nested<&Body::fileCreator, kFileCreator>),
-           ready<Part::kContent>(nested<&Body::content, kContent>),
+           ready<Part::kBodyEnvelopesNode>(nested<&Body::bodyEnvelopes, kBodyEnvelopes>),
+           Markings{}, ready<Part::kFileCreatorNode>(nested<&Body::fileCreator, kFileCreator>),
+           ready<Part::kContentNode>(nested<&Body::content, kContent>),
            when<is_aligned>(nested<&Body::align, kFileAlign>), Tail{});
 
 // Parts that come encoded. The first three are required.

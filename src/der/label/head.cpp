@@ -31,8 +31,8 @@ std::int32_t EncodeHead(const TqLabelHandle* label, const Head* head, const ANYB
     return -1;
   }
   ReadyParts parts;
-  parts[Part::kHeadSign] = signature;
-  parts[Part::kEncryptHead] = encrypt_head;
+  parts[Part::kHeadSignNode] = signature;
+  parts[Part::kEncryptHeadNode] = encrypt_head;
   Scope scope = scope_of(*label);
   scope.ready = &parts;
   return encode_head(*label, *head, scope, slot);

@@ -12,10 +12,10 @@ namespace tq {
 
 constexpr bool in_message(const Scope& scope) { return scope.message; }
 
-inline constexpr auto kHeadSign = ready<Part::kHeadSign>(
+inline constexpr auto kHeadSign = ready<Part::kHeadSignNode>(
     either<in_message>(nested<&Head::headSign, kSignerInput>, nested<&Head::headSign, kSign>));
 inline constexpr auto kHeadEncrypt =
-    ready<Part::kEncryptHead>(nested<&Head::encryptHead, kEncryptHead>);
+    ready<Part::kEncryptHeadNode>(nested<&Head::encryptHead, kEncryptHead>);
 
 inline constexpr auto kHeadFront = run(printable<&Head::label>, printable<&Head::versionText>);
 inline constexpr auto kHeadRest11 = run(

@@ -95,8 +95,9 @@ struct List {
     der::Element element;
     if (in.at_end()) return Rule::may_be_absent(scope);
     if (Rule::reads_null(scope) && in.peek() == der::kNull) {
+      if (!in.take(der::kNull, element) || element.length != 0) return false;
       first = nullptr;
-      return in.take(der::kNull, element) && element.length == 0;
+      return true;
     }
     if (!in.take(der::kSequence, element)) return false;
     der::Cursor inside(element);

@@ -10,17 +10,17 @@ namespace tq {
 
 // Parts that the caller of a writer may have encoded already; the schema says where each stands.
 enum class Part : std::size_t {
-  kHeadSign,
-  kEncryptHead,
-  kHeadEnvelopes,
-  kBodyEnvelopes,
-  kStamp,
-  kWaterMark,
-  kFingerPrint,
-  kFileCreator,
-  kContent,
-  kExtends,
-  kLogs,
+  kHeadSignNode,
+  kEncryptHeadNode,
+  kHeadEnvelopesNode,
+  kBodyEnvelopesNode,
+  kStampNode,
+  kWaterMarkNode,
+  kFingerPrintNode,
+  kFileCreatorNode,
+  kContentNode,
+  kExtendsNode,
+  kLogsNode,
   kCount
 };
 

@@ -1,0 +1,180 @@
+#ifndef TQ_TESTS_SUPPORT_FILL_H
+#define TQ_TESTS_SUPPORT_FILL_H
+
+// Fills records at random with what their labels may hold.
+
+#include <cstring>
+#include <random>
+#include <span>
+
+#include "unit/support/walk.h"
+
+namespace tq::test {
+
+// A field with a block of its own.
+inline ANYBUF owned(const Bytes& bytes, std::uint32_t type) {
+  ANYBUF field{nullptr, static_cast<std::uint32_t>(bytes.size()), 0, ASN1_FORM_OWNED, type, nullptr,
+               nullptr};
+  if (bytes.empty()) return field;
+  field.data = static_cast<std::uint8_t*>(Asn1Malloc(bytes.size()));
+  std::memcpy(field.data, bytes.data(), bytes.size());
+  return field;
+}
+
+inline Bytes little_endian(std::size_t value) {
+  return {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8),
+          static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 24)};
+}
+
+inline const Bytes kIdentityWrapping = hex("60 86 48 01 86 FD 1E 01 05 01");
+inline const Bytes kIdentitySignatureAlgorithm = hex("60 86 48 01 86 FD 1E 01 05 02");
+
+enum class Lengths {
+  kShort,  // for what is done with every octet
+  kEdges,  // where the form of a length changes
+};
+
+// A field whose type word is set has been decided already and stays as it is.
+class Fill : public Visitor {
+ public:
+  Fill(Lengths lengths, std::uint32_t seed, const Scope& scope)
+      : lengths_(lengths), random_(seed), scope_(&scope) {}
+
+  void value(std::uint32_t& number) {
+    constexpr std::uint32_t kEdges[] = {0,      1,          127,        128,       0x7FFF,
+                                        0x8000, 0x7FFFFFFF, 0x80000000, UINT32_MAX};
+    number = pick(2) == 0 ? one_of<std::uint32_t>(kEdges) : static_cast<std::uint32_t>(random_());
+  }
+  void value(std::uint8_t& flag) { flag = static_cast<std::uint8_t>(pick(2)); }
+  void value(std::uint64_t& seconds) {
+    constexpr std::uint64_t kEdges[] = {0, 951782400, 4102444800, der::kLastTime};  // 2000-02-29
+    seconds = pick(2) == 0 ? one_of<std::uint64_t>(kEdges) : random_();
+  }
+  void value(ANYBUF& field) {
+    if (field.type == 0) field = owned(octets(), der::kOctetString);
+  }
+  void raw(ANYBUF& field, RawRule rule, bool (*accepts)(der::Octet)) {
+    if (rule == RawRule::kOptional && pick(3) == 0) return;
+    constexpr der::Octet kTags[] = {der::kSequence, der::kObjectId, der::kOctetString,
+                                    der::kContext2};
+    der::Octet tag = 0;
+    do {
+      tag = one_of<der::Octet>(kTags);
+    } while (!accepts(tag));
+    field = owned(tlv(tag, tag == der::kSequence ? tlv(der::kOctetString, octets()) : octets()),
+                  der::type_word(tag));
+  }
+  template <class Record>
+  void list(Record*& first) {
+    first = nodes<Record>(lengths_ == Lengths::kShort ? 1 + pick(2) : pick(4));
+  }
+  template <class Record>
+  void chain(Record& first) {
+    first.next = nodes<Record>(pick(3));
+  }
+  template <class Record>
+  void marking(Record& record) {
+    record.present = 1;
+  }
+  void attribute(X509Name& attribute) {
+    static const Bytes kTypes[] = {hex("55 04 03"),
+                                   hex("55 04 06"),
+                                   hex("55 04 07"),
+                                   hex("55 04 08"),
+                                   hex("55 04 0A"),
+                                   hex("55 04 0B"),
+                                   hex("2A 86 48 86 F7 0D 01 09 01")};
+    constexpr std::uint32_t kValueTypes[] = {12, 19, 22, 30};
+    attribute.type = owned(one_of<Bytes>(kTypes), der::kObjectId);
+    attribute.value = owned(octets(), one_of<std::uint32_t>(kValueTypes));
+  }
+  // Decides the algorithm, too, since the form hangs on it.
+  void certificate(Sign& sign) {
+    switch (pick(3)) {
+      case 0:
+        sign.algorithm = owned({}, der::kObjectId);
+        sign.certificate = owned(octets(), der::kOctetString);
+        return;
+      case 1: {
+        sign.algorithm = owned(kIdentitySignatureAlgorithm, der::kObjectId);
+        sign.certificate = owned(concat(prefixed(), prefixed(), octets()), der::kOctetString);
+        return;
+      }
+      default:
+        sign.algorithm = owned(tlv(1, octets()), der::kObjectId);
+        sign.certificate = owned(tlv(der::kSequence, octets_of_an_element()), 16);
+    }
+  }
+  void key(ENVELOPE& envelope) {
+    if (!scope_->layout.v11 || pick(3) != 0) return value(envelope.encryptedKey);
+    clear(envelope.algorithm);
+    envelope.algorithm = owned(kIdentityWrapping, der::kObjectId);
+    const Bytes e5 = some(pick(256));
+    const std::size_t half = 1 + pick(lengths_ == Lengths::kShort ? 3 : 255);
+    const Bytes counted = {static_cast<std::uint8_t>(e5.size())};
+    const Bytes counted_half = {static_cast<std::uint8_t>(half)};
+    envelope.encryptedKey = owned(
+        concat(some(4), prefixed(), prefixed(), counted, e5, counted_half, nonzero(2 * half)), 0);
+  }
+
+ private:
+  std::size_t pick(std::size_t below) { return random_() % below; }
+  template <class T>
+  T one_of(std::span<const T> choices) {
+    return choices[pick(choices.size())];
+  }
+
+  std::size_t length() {
+    constexpr std::size_t kEdges[] = {0, 1, 127, 128, 255, 256};
+    constexpr std::size_t kFarEdges[] = {65535, 65536};
+    if (lengths_ == Lengths::kShort) return pick(3);
+    return pick(64) == 0 ? one_of<std::size_t>(kFarEdges) : one_of<std::size_t>(kEdges);
+  }
+  Bytes some(std::size_t count) {
+    Bytes bytes(count);
+    for (std::uint8_t& octet : bytes) octet = static_cast<std::uint8_t>(random_());
+    return bytes;
+  }
+  Bytes nonzero(std::size_t count) {
+    Bytes bytes = some(count);
+    for (std::uint8_t& octet : bytes) octet |= 1;
+    return bytes;
+  }
+  Bytes octets() { return some(length()); }
+  Bytes octets_of_an_element() { return tlv(der::kOctetString, octets()); }
+  Bytes prefixed() {
+    const Bytes bytes = octets();
+    return join(little_endian(bytes.size()), bytes);
+  }
+  template <class Record>
+  static Record* nodes(std::size_t count) {
+    Record* first = nullptr;
+    for (; count != 0; --count) {
+      Record* made = make_zeroed<Record>().release();
+      made->next = first;
+      first = made;
+    }
+    return first;
+  }
+
+  Lengths lengths_;
+  std::mt19937 random_;
+  const Scope* scope_;
+};
+
+// A record that is released with its scope.
+template <class S>
+struct Owned {
+  typename S::Record record{};
+
+  Owned() = default;
+  Owned(const Owned&) = delete;
+  Owned& operator=(const Owned&) = delete;
+  Owned(Owned&&) = delete;
+  Owned& operator=(Owned&&) = delete;
+  ~Owned() { S::release(record); }
+};
+
+}  // namespace tq::test
+
+#endif
