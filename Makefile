@@ -1,6 +1,6 @@
 # A short front for the presets. Each target first installs what packages.txt lists and is missing.
 .DEFAULT_GOAL := test
-.PHONY: asan clean demo format lint packages test valgrind
+.PHONY: asan clean demo docs format lint packages test valgrind
 
 packages:
 	@scripts/install-packages.sh
@@ -20,6 +20,10 @@ valgrind: packages
 	cmake --preset dev
 	cmake --build --preset dev
 	scripts/valgrind.sh build/dev
+
+docs: packages
+	cmake -S . -B build/docs -DTQLABEL_BUILD_DOCS=ON
+	cmake --build build/docs --target docs
 
 format: packages
 	scripts/format.sh

@@ -23,6 +23,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/** Marks a function that libtqasn1 exports. */
 #define TQ_ASN1_API __attribute__((visibility("default")))
 
 #ifdef __cplusplus
@@ -255,44 +256,132 @@ TQ_ASN1_API int32_t QZAsn1SetNull(ANYBUF** element);
 /* Strings of octets. Each Get primitive copies the content octets into a node that owns them
  * (ASN1_FORM_OWNED; no bytes at all for an empty content) and gives it the type of the element.
  * Each Set primitive takes such a node (any form; its type is not looked at) and copies its bytes
- * into a new element.
- *
- * All of them: @retval 0 done; @retval -1 a null argument, another element, a node that has a
- * length but no bytes, or no memory. */
+ * into a new element. */
 
-/** Reads the content octets of an INTEGER unchanged, none at all included. */
+/**
+ * Reads the content octets of an INTEGER unchanged, none at all included.
+ * @param element  node whose bytes begin with the element, not null
+ * @param content  receives the new node
+ * @retval 0   read
+ * @retval -1  a null argument, another element, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1GetIntegerArray(const ANYBUF* element, ANYBUF** content);
-/** Builds an INTEGER of exactly these content octets, none at all included. */
+
+/**
+ * Builds an INTEGER of exactly these content octets, none at all included.
+ * @param content  node of the content octets, not null
+ * @param element  receives the new node
+ * @retval 0   built
+ * @retval -1  a null argument, a length but no bytes, too many octets, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1SetIntegerArray(const ANYBUF* content, ANYBUF** element);
 
-/** Reads an OCTET STRING (X.690 8.7). */
+/**
+ * Reads an OCTET STRING (X.690 8.7).
+ * @param element  node whose bytes begin with the element, not null
+ * @param content  receives the new node
+ * @retval 0   read
+ * @retval -1  a null argument, another element, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1GetOctetString(const ANYBUF* element, ANYBUF** content);
-/** Builds an OCTET STRING. */
+
+/**
+ * Builds an OCTET STRING.
+ * @param content  node of the content octets, not null
+ * @param element  receives the new node
+ * @retval 0   built
+ * @retval -1  a null argument, a length but no bytes, too many octets, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1SetOctetString(const ANYBUF* content, ANYBUF** element);
 
-/** Reads a BIT STRING (X.690 8.6) of whole octets; with unused bits it fails. */
+/**
+ * Reads a BIT STRING (X.690 8.6) of whole octets.
+ * @param element  node whose bytes begin with the element, not null
+ * @param content  receives the new node
+ * @retval 0   read
+ * @retval -1  a null argument, another element, unused bits, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1GetBitString(const ANYBUF* element, ANYBUF** content);
-/** Builds a BIT STRING of whole octets. */
+
+/**
+ * Builds a BIT STRING of whole octets.
+ * @param content  node of the content octets, not null
+ * @param element  receives the new node
+ * @retval 0   built
+ * @retval -1  a null argument, a length but no bytes, too many octets, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1SetBitString(const ANYBUF* content, ANYBUF** element);
 
-/** Reads a PrintableString (X.690 8.23); its characters are not checked. */
+/**
+ * Reads a PrintableString (X.690 8.23); its characters are not checked.
+ * @param element  node whose bytes begin with the element, not null
+ * @param content  receives the new node
+ * @retval 0   read
+ * @retval -1  a null argument, another element, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1GetPrintableString(const ANYBUF* element, ANYBUF** content);
-/** Builds a PrintableString; its characters are not checked. */
+
+/**
+ * Builds a PrintableString; its characters are not checked.
+ * @param content  node of the content octets, not null
+ * @param element  receives the new node
+ * @retval 0   built
+ * @retval -1  a null argument, a length but no bytes, too many octets, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1SetPrintableString(const ANYBUF* content, ANYBUF** element);
 
-/** Reads an IA5String; its characters are not checked. */
+/**
+ * Reads an IA5String; its characters are not checked.
+ * @param element  node whose bytes begin with the element, not null
+ * @param content  receives the new node
+ * @retval 0   read
+ * @retval -1  a null argument, another element, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1GetIa5String(const ANYBUF* element, ANYBUF** content);
-/** Builds an IA5String; its characters are not checked. */
+
+/**
+ * Builds an IA5String; its characters are not checked.
+ * @param content  node of the content octets, not null
+ * @param element  receives the new node
+ * @retval 0   built
+ * @retval -1  a null argument, a length but no bytes, too many octets, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1SetIa5String(const ANYBUF* content, ANYBUF** element);
 
-/** Reads a BMPString; its characters are not checked. */
+/**
+ * Reads a BMPString; its characters are not checked.
+ * @param element  node whose bytes begin with the element, not null
+ * @param content  receives the new node
+ * @retval 0   read
+ * @retval -1  a null argument, another element, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1GetBmpString(const ANYBUF* element, ANYBUF** content);
-/** Builds a BMPString; its characters are not checked. */
+
+/**
+ * Builds a BMPString; its characters are not checked.
+ * @param content  node of the content octets, not null
+ * @param element  receives the new node
+ * @retval 0   built
+ * @retval -1  a null argument, a length but no bytes, too many octets, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1SetBmpString(const ANYBUF* content, ANYBUF** element);
 
-/** Reads the content octets of an OBJECT IDENTIFIER (X.690 8.19) unchanged, none included. */
+/**
+ * Reads the content octets of an OBJECT IDENTIFIER (X.690 8.19) unchanged, none included.
+ * @param element  node whose bytes begin with the element, not null
+ * @param content  receives the new node
+ * @retval 0   read
+ * @retval -1  a null argument, another element, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1GetObjectIdPJ(const ANYBUF* element, ANYBUF** content);
-/** Builds an OBJECT IDENTIFIER of exactly these content octets, none included. */
+
+/**
+ * Builds an OBJECT IDENTIFIER of exactly these content octets, none included.
+ * @param content  node of the content octets, not null
+ * @param element  receives the new node
+ * @retval 0   built
+ * @retval -1  a null argument, a length but no bytes, too many octets, or no memory
+ */
 TQ_ASN1_API int32_t QZAsn1SetObjectIdPJ(const ANYBUF* content, ANYBUF** element);
 
 #ifdef __cplusplus

@@ -20,8 +20,7 @@
  * - 0 is success and -1 is failure, unless a function says otherwise; a few have further answers.
  * - A failed call leaves outputs and label as they were, unless the function says what it left.
  *   Every function may fail for want of memory. There is no error text.
- * - A setter that runs out of memory after it has released the earlier bytes leaves the field
- *   empty.
+ * - A setter that runs out of memory leaves its field as it was, unless it says otherwise.
  *
  * Output buffers. A function that hands out bytes takes a buffer and a pointer to a length.
  * - A null buffer is a size query: the length is stored and the result is 0.
@@ -245,8 +244,8 @@ TQ_API int32_t DecodeLabelEncrypted(const uint8_t* der, uint32_t derLen, uint8_t
  * @param[in] der     the body as EncodeBodyPlaint() made it, not null
  * @param[in] derLen  number of bytes at @p der
  * @retval 0   decoded
- * @retval -1  a null argument, a label without a version, no such body, or no memory; after a
- *             failure to decode the earlier body is gone, and part of the new one may be there
+ * @retval -1  a null argument, a label without a version, no such body, or no memory; a body that
+ *             fails to decode once it has taken the place of the earlier one leaves none at all
  */
 TQ_API int32_t DecodeLabelDecrypted(TqLabel label, const uint8_t* der, uint32_t derLen);
 
@@ -572,14 +571,14 @@ TQ_API int32_t GetBodySigVal(TqLabel label, uint8_t* buffer, uint32_t* length);
  * empty. A name that SflAlg2OID() does not know is stored as 64 zero octets, which have no name.
  *
  * In the other versions certificate and value are stored as by SetBodySignCert() and
- * SetBodySigVal(), whose failures are not reported; without a value nothing happens. The algorithm
- * is that of the head signature: @p attribute has no say in it.
+ * SetBodySigVal(); what these refuse is passed over, and without a value nothing happens. The
+ * algorithm is that of the head signature: @p attribute has no say in it.
  * @param[in] label      label handle, not null
  * @param[in] append     "1.1.2": 0 replaces the chain, any other value adds to its end; not looked
  *                       at in other versions
  * @param[in] attribute  the signature, not null
  * @retval 0   done as described
- * @retval -1  a null argument, or no memory for a further record
+ * @retval -1  a null argument, or no memory
  */
 TQ_API int32_t SetBodySignAttr(TqLabel label, int32_t append, const SignAttribute* attribute);
 
@@ -622,8 +621,8 @@ TQ_API int32_t CreateEmurateSign(TqLabel label, SignEnum** enumerator);
  *                            lasts until the next call with it, a size query included.
  * @retval 0   handed out, or the lengths stored
  * @retval 1   there are no more
- * @retval -1  a null argument, a short buffer, a head without a known signature algorithm, or no
- *             memory
+ * @retval -1  a null argument, a short buffer, no memory, or, with both buffers, a head of the "1.1"
+ *             family without a known signature algorithm
  */
 TQ_API int32_t GetNextSign(SignEnum* enumerator, SignAttribute* attribute);
 
@@ -782,7 +781,7 @@ TQ_API int32_t GetHeadSerialNum(TqLabel label, uint8_t* buffer, uint8_t* length)
  * @retval 0   stored
  * @retval -1  a null argument, no version, a length out of range: nothing is changed; an issuer
  *             that ConvertIssuerName2PJCertIssuer() refuses: the serial number is stored, and the
- *             issuer is as it was; or no memory
+ *             issuer is as it was; or no memory: what was stored before stays, an issuer in part
  */
 TQ_API int32_t SetCertSerialAndIssuerToHead(TqLabel label, const uint8_t* serial,
                                             uint32_t serialLen, const PJCertIssuer* issuer);
@@ -1066,8 +1065,7 @@ TQ_API int32_t GetModifyTime(TqLabel label, uint64_t* time);
  * @param[in] label    label handle, not null
  * @param[in] creator  the record, not null
  * @retval 0   stored
- * @retval -1  a null argument, a null text with a length, or no memory; what came before the
- *             failure is stored
+ * @retval -1  a null argument, a null text with a length, or no memory; nothing is changed then
  */
 TQ_API int32_t SetBodyFileCreator(TqLabel label, const FileCreatorInfo* creator);
 
@@ -1287,7 +1285,7 @@ TQ_API int32_t HaveTheEnvelopeFromHEnv(TqLabel label, const uint8_t* serial, uin
  * @retval 0   added
  * @retval -1  a null argument, another version: nothing is changed; or an unknown algorithm, an
  *             issuer that ConvertIssuerName2PJCertIssuer() refuses, a null array with a count, or
- *             no memory: the recipient's earlier envelope may be gone
+ *             no memory: the recipient's earlier envelope is gone
  */
 TQ_API int32_t ADDigitEnvlopeToBody(TqLabel label, const EnvelopeInfo* envelope,
                                     const PrivilegeInfo* privilege);
@@ -1422,7 +1420,8 @@ TQ_API int32_t GetCurrentDigitEnvolop(DigitEnvolopEnum* enumerator, uint8_t* buf
  * @retval 0   done
  * @retval -1  a null argument, no current envelope: nothing is changed; or another version, an
  *             algorithm that has no name, a name with no room in a #PJCertIssuer, or no memory: the
- *             body may have the new key, or none, and the head has no envelope for it
+ *             body's earlier key is gone, its new one is there unless there was no memory for it,
+ *             and the head has no envelope for the recipient
  */
 TQ_API int32_t SetCurrentEmuEnvolop(DigitEnvolopEnum* enumerator, const uint8_t* headKey,
                                     uint32_t headKeyLen, const uint8_t* bodyKey,
@@ -1896,7 +1895,8 @@ TQ_API int32_t LabCalSize(TqLabel label, LabelSizeInfo* sizes);
  * @param[in] label  label handle, not null
  * @param[in] size   number of zero bytes; the tag and the length before them come on top
  * @retval 0   set
- * @retval -1  a null handle; or no memory: the two encoders give -1 until a size is set
+ * @retval -1  a null handle; or no memory: the new size stays, without its bytes, and the two
+ *             encoders give -1 until a size can be set
  */
 TQ_API int32_t SetLabelPadSize(TqLabel label, uint32_t size);
 
