@@ -621,8 +621,8 @@ TQ_API int32_t CreateEmurateSign(TqLabel label, SignEnum** enumerator);
  *                            lasts until the next call with it, a size query included.
  * @retval 0   handed out, or the lengths stored
  * @retval 1   there are no more
- * @retval -1  a null argument, a short buffer, no memory, or, with both buffers, a head of the "1.1"
- *             family without a known signature algorithm
+ * @retval -1  a null argument, a short buffer, no memory, or, with both buffers, a head of the
+ * "1.1" family without a known signature algorithm
  */
 TQ_API int32_t GetNextSign(SignEnum* enumerator, SignAttribute* attribute);
 
