@@ -1,0 +1,375 @@
+#ifndef TQ_TESTS_ABI_SUPPORT_H
+#define TQ_TESTS_ABI_SUPPORT_H
+
+// Labels as a user's program has them: handles with an owner, bytes in vectors, and elements of
+// encoded labels as trees that a test may rearrange. The trees are read by OpenSSL.
+
+#include <gtest/gtest.h>
+#include <openssl/asn1.h>
+#include <tqlabel/label.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tq::abi {
+
+using Bytes = std::vector<std::uint8_t>;
+
+inline constexpr const char* kVersions[] = {"6.0", "1.1", "1.1.1", "1.1.2"};
+inline bool is_60(std::string_view version) { return version == "6.0"; }
+inline bool is_multi_sign(std::string_view version) { return version == "1.1.2"; }
+inline bool is_aligned(std::string_view version) { return version.size() == 5; }
+
+// Under memcheck a sample has to do.
+inline bool quick() { return std::getenv("TQLABEL_QUICK") != nullptr; }
+
+// Pairs of upper-case digits; anything else between them is skipped.
+inline Bytes hex(std::string_view digits) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  Bytes bytes(digits.size());
+  std::size_t halves = 0;
+  for (const char digit : digits) {
+    const std::size_t value = kDigits.find(digit);
+    if (value == std::string_view::npos) continue;
+    std::uint8_t& octet = bytes[halves++ / 2];
+    octet = static_cast<std::uint8_t>(octet * 16U + value);
+  }
+  bytes.resize(halves / 2);
+  return bytes;
+}
+
+inline Bytes join(Bytes left, const Bytes& right) {
+  left.insert(left.end(), right.begin(), right.end());
+  return left;
+}
+
+// One element, its length in the shortest form.
+inline Bytes tlv(std::uint8_t tag, const Bytes& content) {
+  const std::size_t length = content.size();
+  std::size_t octets = 0;  // behind the first one of a long length
+  while (length >= 0x80 && octets < sizeof length && length >> (8 * octets) != 0) ++octets;
+  Bytes element(2 + octets);
+  element[0] = tag;
+  element[1] = static_cast<std::uint8_t>(octets == 0 ? length : 0x80 + octets);
+  for (std::size_t i = 0; i < octets; ++i) {
+    element[1 + octets - i] = static_cast<std::uint8_t>(length >> (8 * i));
+  }
+  return join(std::move(element), content);
+}
+
+inline Bytes text(std::string_view from) { return {from.begin(), from.end()}; }
+inline std::uint32_t size32(const Bytes& bytes) { return static_cast<std::uint32_t>(bytes.size()); }
+
+// Bytes that tell a copy from a shifted or repeated one.
+inline Bytes pattern(std::size_t length, std::size_t seed = 1) {
+  Bytes bytes(length);
+  for (std::size_t i = 0; i < length; ++i) {
+    bytes[i] = static_cast<std::uint8_t>('A' + (i * i + seed) % 26);
+  }
+  return bytes;
+}
+
+class Label {
+ public:
+  Label() : handle_(GetHandleLabel()) {}
+  explicit Label(TqLabel handle) : handle_(handle) {}
+  Label(const Label&) = delete;
+  Label& operator=(const Label&) = delete;
+  Label(Label&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Label& operator=(Label&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  ~Label() { FreeHandleLabel(handle_); }
+
+  operator TqLabel() const { return handle_; }
+
+ private:
+  TqLabel handle_;
+};
+
+using Setter = std::int32_t (*)(TqLabel, const std::uint8_t*, std::uint32_t);
+using Getter = std::int32_t (*)(TqLabel, std::uint8_t*, std::uint32_t*);
+using SealedEncoder = std::int32_t (*)(TqLabel, const std::uint8_t*, std::uint32_t, std::uint8_t*,
+                                       std::uint32_t*);
+
+// A getter with an 8-bit length, as one with a 32-bit length.
+template <auto kGet>
+std::int32_t widened(TqLabel label, std::uint8_t* buffer, std::uint32_t* length) {
+  if (length == nullptr) return kGet(label, buffer, nullptr);
+  auto narrow = static_cast<std::uint8_t>(*length);
+  const std::int32_t result = kGet(label, buffer, &narrow);
+  *length = narrow;
+  return result;
+}
+
+// Calls twice, for the size and for the bytes, and holds the call to the rules of its buffer: a
+// size query and an exact fit agree, one octet less changes nothing. Nothing comes back on failure.
+template <class Call>
+Bytes fetch(Call call) {
+  std::uint32_t size = 0xABCDEF;
+  if (call(nullptr, &size) != 0) {
+    EXPECT_EQ(size, 0xABCDEFU) << "a failed size query stored a length";
+    return {};
+  }
+  Bytes bytes(size + 1, 0xEE);
+  if (size != 0) {
+    std::uint32_t short_by_one = size - 1;
+    EXPECT_EQ(call(bytes.data(), &short_by_one), -1);
+    EXPECT_EQ(short_by_one, size - 1);
+    EXPECT_EQ(bytes, Bytes(size + 1, 0xEE));
+  }
+  std::uint32_t exact = size;
+  EXPECT_EQ(call(bytes.data(), &exact), 0);
+  EXPECT_EQ(exact, size);
+  EXPECT_EQ(bytes.back(), 0xEE) << "written past the length";
+  bytes.pop_back();
+  return bytes;
+}
+
+inline Bytes encode(TqLabel label, Getter how = EncodeLabel) {
+  return fetch([&](std::uint8_t* buffer, std::uint32_t* size) { return how(label, buffer, size); });
+}
+inline Bytes get(TqLabel label, Getter getter) { return encode(label, getter); }
+inline Bytes encode_sealed(TqLabel label, const Bytes& body,
+                           SealedEncoder how = EncodeLabelEncrypted) {
+  return fetch([&](std::uint8_t* buffer, std::uint32_t* size) {
+    return how(label, body.data(), size32(body), buffer, size);
+  });
+}
+
+// A handle, or none: then the slot was left alone.
+inline Label decode(const Bytes& der) {
+  TqLabel slot = nullptr;
+  const std::int32_t result = DecodeLabel(der.data(), size32(der), &slot);
+  EXPECT_EQ(result == 0, slot != nullptr);
+  return Label(slot);
+}
+
+inline void set(TqLabel label, Setter setter, const Bytes& bytes) {
+  static constexpr std::uint8_t kNone = 0;  // no bytes, but not null
+  EXPECT_EQ(setter(label, bytes.empty() ? &kNone : bytes.data(), size32(bytes)), 0);
+}
+
+inline const Bytes kCommonName = hex("55 04 03");
+inline const Bytes kCountry = hex("55 04 06");
+inline const Bytes kEmail = hex("2A 86 48 86 F7 0D 01 09 01");
+
+class Issuer {
+ public:
+  struct Attribute {
+    Bytes type;
+    std::uint32_t tag;
+    Bytes value;
+  };
+
+  explicit Issuer(const std::vector<Attribute>& attributes) {
+    for (const Attribute& attribute : attributes) {
+      PJCertIssuerEntry entry{};
+      std::copy(attribute.type.begin(), attribute.type.end(), entry.type);
+      entry.typeLen = size32(attribute.type);
+      std::copy(attribute.value.begin(), attribute.value.end(), entry.value);
+      entry.valueLen = size32(attribute.value);
+      entry.valueTag = attribute.tag;
+      entries_.push_back(entry);
+    }
+    record_ = {entries_.data(), static_cast<std::uint32_t>(entries_.size()), 0};
+  }
+  Issuer(const Issuer&) = delete;
+  Issuer& operator=(const Issuer&) = delete;
+  Issuer(Issuer&&) = delete;
+  Issuer& operator=(Issuer&&) = delete;
+  ~Issuer() = default;
+
+  [[nodiscard]] const PJCertIssuer* get() const { return &record_; }
+  PJCertIssuer& record() { return record_; }
+
+ private:
+  std::vector<PJCertIssuerEntry> entries_;
+  PJCertIssuer record_{};
+};
+
+inline std::vector<Issuer::Attribute> attributes_of(const PJCertIssuer* issuer) {
+  std::vector<Issuer::Attribute> attributes;
+  for (std::uint32_t i = 0; i < issuer->count; ++i) {
+    const PJCertIssuerEntry& entry = issuer->entries[i];
+    attributes.push_back({{entry.type, entry.type + entry.typeLen},
+                          entry.valueTag,
+                          {entry.value, entry.value + entry.valueLen}});
+  }
+  return attributes;
+}
+inline bool operator==(const Issuer::Attribute& left, const Issuer::Attribute& right) {
+  return left.type == right.type && left.tag == right.tag && left.value == right.value;
+}
+
+inline const Bytes kHeadCert = hex("30 08 02 01 05 04 03 0A 0B 0C");
+inline const Bytes kBodyCert = hex("30 04 02 02 01 07");
+inline const char* const kSignAlg = "sha256WithRSAEncryption";
+
+inline std::int32_t add_signer(TqLabel label, bool append, const char* name, Bytes cert,
+                               Bytes value) {
+  std::string algorithm(name);
+  const SignAttribute signer{algorithm.data(), value.data(), size32(value), cert.data(),
+                             size32(cert)};
+  return SetBodySignAttr(label, append ? 1 : 0, &signer);
+}
+
+// What a head cannot do without; the algorithms stay empty.
+inline std::int32_t fill_bare(TqLabel label) {
+  set(label, SetLabel, text("Secret"));
+  const Issuer issuer({{kCountry, 19, text("CN")}, {kCommonName, 19, text("Root")}});
+  const Bytes serial = hex("00 C4 11");
+  return SetCertSerialAndIssuerToHead(label, serial.data(), 3, issuer.get());
+}
+
+// A small label: with `cipher`, one whose body is to be encrypted.
+inline void fill(TqLabel label, const char* version, bool cipher = true) {
+  set(label, GLSetVersion, text(version));
+  EXPECT_EQ(fill_bare(label), 0);
+  set(label, SetHeadSignAlg, text(kSignAlg));
+  set(label, SetHeadSignCert, kHeadCert);
+  EXPECT_EQ(SetEncryptHead(label, text("AES.256.CBC").data(), cipher ? 11 : 0, 8), 0);
+  if (is_multi_sign(version)) {
+    EXPECT_EQ(add_signer(label, false, kSignAlg, kBodyCert, pattern(32)), 0);
+  } else {
+    set(label, SetBodySignCert, kBodyCert);
+  }
+}
+
+// Every field that has a setter of its own holds something.
+inline void fill_fields(TqLabel label, const char* version) {
+  fill(label, version);
+  set(label, SetCustom, pattern(40));
+  set(label, SetHeadSignValue, pattern(64, 2));
+  if (!is_multi_sign(version)) set(label, SetBodySigVal, pattern(96, 3));
+  EXPECT_EQ(SetHeadCreateTime(label), 0);
+  EXPECT_EQ(SetHeadModifyTime(label, 1700000000), 0);
+  EXPECT_EQ(GLSetFileType(label, 7), 0);
+  EXPECT_EQ(SetFileSecc(label, 3), 0);
+  EXPECT_EQ(GLSetFileSize(label, 0xFFFFFFFF), 0);
+  set(label, SetFileName, text("plan.txt"));
+  set(label, GLSetFileTitle, text("The plan"));
+  EXPECT_EQ(SetModifyTime(label, 1600000000), 0);
+  EXPECT_EQ(SetExpired(label, 1900000000), 0);
+  EXPECT_EQ(SetDestroyTime(label, 253402300799), 0);  // the last second of the year 9999
+  EXPECT_EQ(GLSetFileNo(label, "No. 1"), 0);
+  EXPECT_EQ(SetFileAlignSize(label, 4096), is_aligned(version) ? 0 : -1);
+  EXPECT_EQ(SetFileUnEffectSize(label, 17), 0);
+  EXPECT_EQ(SetLabelAlignSize(label, 512), 0);
+  EXPECT_EQ(SetLabelPadSize(label, 5), 0);
+}
+
+// On top of the fields every record and every list, with two entries where two fit.
+inline void fill_records(TqLabel label, const char* version) {
+  fill_fields(label, version);
+  Bytes name = text("stamp");
+  Bytes cert = kHeadCert;
+  Bytes bits = pattern(8);
+  Bytes words = text("words");
+  std::string said = "said";
+  for (std::uint8_t i = 2; i-- > 0;) {  // lists grow at the front
+    Issuer issuer({{kCommonName, 19, text(i == 0 ? "A" : "B")}});
+    std::uint8_t serial = i;
+    Bytes key = pattern(16, i);
+    Bytes sm2 = text("SM2");
+    const EnvelopeInfo envelope{sm2.data(), 3, &serial, 1, key.data(), 16, &issuer.record()};
+    PrivilegeEntry entries[2];
+    std::memset(entries, 0, sizeof entries);  // the padding is read with the type
+    entries[0].type = 6;
+    entries[0].value = 7;
+    entries[1].type = 4;
+    entries[1].value = 5;
+    const PrivilegeInfo privilege{cert.data(), size32(cert), 1,  10, 20,     0, 1,
+                                  0,           30,           40, 2,  entries};
+    const std::int32_t taken = is_60(version) ? -1 : 0;
+    EXPECT_EQ(AddEnvelopeToHead(label, &envelope), taken);
+    EXPECT_EQ(ADDigitEnvlopeToBody(label, &envelope, &privilege), taken);
+    std::uint8_t number[] = {1, i};
+    const LogInfo log{i, words.data(), 5, &issuer.record(), number, 2, number,
+                      2, 1500000000,   3, words.data(),     5};
+    EXPECT_EQ(AddLog(label, &log), 0);
+    EXPECT_EQ(AddExtendValue(label, i, key.data(), 16), 0);
+  }
+  const WaterMark mark{bits.data(), 8, name.data(), 5, 1, 2, said.data(), 0, 1400000000};
+  EXPECT_EQ(SetWaterMarkInfo(label, &mark), 0);
+  const Meta meta{cert.data(),
+                  static_cast<std::uint8_t>(cert.size()),
+                  1,
+                  words.data(),
+                  5,
+                  2,
+                  3,
+                  words.data(),
+                  5};
+  const Seal seal{name.data(), 5,           meta,         9,           bits.data(),
+                  8,           cert.data(), size32(cert), bits.data(), 8};
+  const Stamp stamp{said.data(), 0, {1, 2, 3, 4}, said.data(), 0, 1300000000, bits.data(), 8};
+  const StampRecord record{name.data(), 5, seal, stamp, bits.data(), 8};
+  EXPECT_EQ(SetStampInfo(label, &record), 0);
+  FingerEntry fingers[] = {{cert.data(), size32(cert), {0, 1, 0, 1, 0, 1, 0, 1, 0}},
+                           {cert.data(), size32(cert), {0, 0, 0, 0, 0, 0, 0, 0, 0}}};
+  const Finger finger{bits.data(), 8, bits.data(), 8, bits.data(), 8, 5, {2, fingers}};
+  EXPECT_EQ(SetFingerPrintInfo(label, &finger), 0);
+}
+
+// An element of an encoded label.
+struct Element {
+  std::uint8_t tag = 0;
+  Bytes content;                  // of a primitive element
+  std::vector<Element> children;  // of a constructed one
+  std::size_t start = 0;          // where it lay
+
+  [[nodiscard]] bool constructed() const { return (tag & 0x20) != 0; }
+  [[nodiscard]] Bytes der() const {
+    if (!constructed()) return tlv(tag, content);
+    Bytes inner;
+    for (const Element& child : children) inner = join(std::move(inner), child.der());
+    return tlv(tag, inner);
+  }
+};
+
+// Splits elements down to the primitive ones; each constructed one must be filled exactly.
+inline std::vector<Element> split(const std::uint8_t* der, std::size_t size,
+                                  std::size_t offset = 0) {
+  std::vector<Element> elements;
+  const std::uint8_t* at = der;
+  while (at < der + size) {
+    const std::uint8_t* content = at;
+    long length = 0;
+    int tag = 0;
+    int form = 0;
+    const int kind = ASN1_get_object(&content, &length, &tag, &form, der + size - at);
+    if ((kind & 0x81) != 0) {  // malformed, or of indefinite length
+      ADD_FAILURE() << "not DER at offset " << offset + static_cast<std::size_t>(at - der);
+      return {};
+    }
+    Element element{*at, {}, {}, offset + static_cast<std::size_t>(at - der)};
+    const auto inside = static_cast<std::size_t>(length);
+    if (element.constructed()) {
+      element.children = split(content, inside, offset + static_cast<std::size_t>(content - der));
+    } else {
+      element.content.assign(content, content + inside);
+    }
+    elements.push_back(std::move(element));
+    at = content + inside;
+  }
+  return elements;
+}
+
+inline Element parse(const Bytes& der) {
+  std::vector<Element> elements = split(der.data(), der.size());
+  EXPECT_EQ(elements.size(), 1U);
+  return elements.empty() ? Element{} : std::move(elements.front());
+}
+
+}  // namespace tq::abi
+
+#endif
