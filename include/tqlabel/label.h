@@ -927,7 +927,7 @@ typedef struct FileCreatorInfo {
 
 /**
  * Stores all content fields at once, which works once: it fails when the label has a file name or
- * a file title, also one from SetFileName() or GLSetFileTitle().
+ * a file title that is not empty, also one from SetFileName() or GLSetFileTitle().
  * @param[in] label    label handle, not null
  * @param[in] content  the fields, not null; a null text needs a length of 0
  * @retval 0   stored
@@ -1235,9 +1235,10 @@ typedef struct DigitEnvolopEnum DigitEnvolopEnum;
  * @param[in] envelope  the envelope, not null: an algorithm name of SflAlg2OID(), a serial number,
  *                      an issuer of 1 to 10 entries, and a key, null only with a length of 0
  * @retval 0   added
- * @retval -1  a null argument, another version: nothing is changed; or an unknown algorithm, an
- *             issuer that ConvertIssuerName2PJCertIssuer() refuses, or no memory: the recipient's
- *             earlier envelope is gone
+ * @retval -1  a null argument, serial number or issuer, or another version: nothing is changed; an
+ *             unknown or null algorithm, a null key with a length, an issuer that
+ *             ConvertIssuerName2PJCertIssuer() refuses, or no memory: the recipient's earlier
+ *             envelope is gone
  */
 TQ_API int32_t AddEnvelopeToHead(TqLabel label, const EnvelopeInfo* envelope);
 
