@@ -6,10 +6,11 @@
 #include <tqasn1/asn1.h>
 
 #include <cstdint>
-#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "core/model/buffer.h"
 
 namespace tq::test {
 
@@ -27,12 +28,27 @@ inline Bytes hex(std::string_view text) {
   return bytes;
 }
 
-inline Bytes join(Bytes left, const Bytes& right) {
-  left.insert(left.end(), right.begin(), right.end());
-  return left;
+// Several of them, with a bar between any two.
+inline std::vector<Bytes> hexes(std::string_view text) {
+  std::vector<Bytes> all;
+  for (;;) {
+    const std::size_t bar = text.find('|');
+    all.push_back(hex(text.substr(0, bar)));
+    if (bar == text.npos) return all;
+    text.remove_prefix(bar + 1);
+  }
 }
 
-inline Bytes zeros(std::size_t count) { return Bytes(count, 0); }
+inline Bytes head_of(const Bytes& bytes, std::size_t length) {
+  return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)};
+}
+
+template <class... Parts>
+Bytes concat(const Parts&... parts) {
+  Bytes all;
+  (all.insert(all.end(), parts.begin(), parts.end()), ...);
+  return all;
+}
 
 inline Bytes header(std::uint8_t tag, std::size_t length) {
   std::uint8_t octets[2 + sizeof length] = {tag};
@@ -46,17 +62,10 @@ inline Bytes header(std::uint8_t tag, std::size_t length) {
 }
 
 inline Bytes tlv(std::uint8_t tag, const Bytes& content) {
-  return join(header(tag, content.size()), content);
+  return concat(header(tag, content.size()), content);
 }
 
 inline Bytes text(std::string_view characters) { return {characters.begin(), characters.end()}; }
-
-template <class... Parts>
-Bytes concat(const Parts&... parts) {
-  Bytes all;
-  (all.insert(all.end(), parts.begin(), parts.end()), ...);
-  return all;
-}
 
 template <class... Parts>
 Bytes sequence(const Parts&... children) {
@@ -65,24 +74,22 @@ Bytes sequence(const Parts&... children) {
 
 inline Bytes bytes_of(const ANYBUF* node) { return {node->data, node->data + node->length}; }
 
-struct FreeChain {
-  void operator()(ANYBUF* chain) const { DIFreeAnybuf(chain); }
+// The base of what stays where it was made.
+struct Pinned {
+  Pinned() = default;
+  Pinned(const Pinned&) = delete;
+  Pinned& operator=(const Pinned&) = delete;
+  Pinned(Pinned&&) = delete;
+  Pinned& operator=(Pinned&&) = delete;
+  ~Pinned() = default;
 };
-using Chain = std::unique_ptr<ANYBUF, FreeChain>;
 
 // Bytes with a node around them, as a caller hands them in.
-class Input {
+class Input : Pinned {
  public:
   explicit Input(Bytes bytes) : bytes_(std::move(bytes)) {
-    node_.data = bytes_.data();
-    node_.length = static_cast<std::uint32_t>(bytes_.size());
-    node_.form = ASN1_FORM_VIEW;
+    node_ = view_of(bytes_.data(), static_cast<std::uint32_t>(bytes_.size()), 0);
   }
-  Input(const Input&) = delete;
-  Input& operator=(const Input&) = delete;
-  Input(Input&&) = delete;
-  Input& operator=(Input&&) = delete;
-  ~Input() = default;
 
   ANYBUF* node() { return &node_; }
 

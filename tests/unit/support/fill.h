@@ -35,7 +35,7 @@ enum class Lengths {
 };
 
 // A field whose type word is set has been decided already and stays as it is.
-class Fill : public Visitor {
+class Fill {
  public:
   Fill(Lengths lengths, std::uint32_t seed, const Scope& scope)
       : lengths_(lengths), random_(seed), scope_(&scope) {}
@@ -69,23 +69,14 @@ class Fill : public Visitor {
     first = nodes<Record>(lengths_ == Lengths::kShort ? 1 + pick(2) : pick(4));
   }
   template <class Record>
-  void chain(Record& first) {
-    first.next = nodes<Record>(pick(3));
-  }
-  template <class Record>
   void marking(Record& record) {
     record.present = 1;
   }
   void attribute(X509Name& attribute) {
-    static const Bytes kTypes[] = {hex("55 04 03"),
-                                   hex("55 04 06"),
-                                   hex("55 04 07"),
-                                   hex("55 04 08"),
-                                   hex("55 04 0A"),
-                                   hex("55 04 0B"),
-                                   hex("2A 86 48 86 F7 0D 01 09 01")};
+    constexpr std::uint8_t kLastOctets[] = {3, 6, 7, 8, 10, 11};
+    const Bytes type = {0x55, 4, one_of<std::uint8_t>(kLastOctets)};
     constexpr std::uint32_t kValueTypes[] = {12, 19, 22, 30};
-    attribute.type = owned(one_of<Bytes>(kTypes), der::kObjectId);
+    attribute.type = owned(pick(7) == 0 ? kEmail : type, der::kObjectId);
     attribute.value = owned(octets(), one_of<std::uint32_t>(kValueTypes));
   }
   // Decides the algorithm, too, since the form hangs on it.
@@ -102,7 +93,7 @@ class Fill : public Visitor {
       }
       default:
         sign.algorithm = owned(tlv(1, octets()), der::kObjectId);
-        sign.certificate = owned(tlv(der::kSequence, octets_of_an_element()), 16);
+        sign.certificate = owned(tlv(der::kSequence, tlv(der::kOctetString, octets())), 16);
     }
   }
   void key(ENVELOPE& envelope) {
@@ -114,7 +105,8 @@ class Fill : public Visitor {
     const Bytes counted = {static_cast<std::uint8_t>(e5.size())};
     const Bytes counted_half = {static_cast<std::uint8_t>(half)};
     envelope.encryptedKey = owned(
-        concat(some(4), prefixed(), prefixed(), counted, e5, counted_half, nonzero(2 * half)), 0);
+        concat(some(4), prefixed(), prefixed(), counted, e5, counted_half, Bytes(2 * half, 0x5A)),
+        0);
   }
 
  private:
@@ -126,25 +118,18 @@ class Fill : public Visitor {
 
   std::size_t length() {
     constexpr std::size_t kEdges[] = {0, 1, 127, 128, 255, 256};
-    constexpr std::size_t kFarEdges[] = {65535, 65536};
     if (lengths_ == Lengths::kShort) return pick(3);
-    return pick(64) == 0 ? one_of<std::size_t>(kFarEdges) : one_of<std::size_t>(kEdges);
+    return pick(64) == 0 ? 65535 + pick(2) : one_of<std::size_t>(kEdges);
   }
   Bytes some(std::size_t count) {
     Bytes bytes(count);
     for (std::uint8_t& octet : bytes) octet = static_cast<std::uint8_t>(random_());
     return bytes;
   }
-  Bytes nonzero(std::size_t count) {
-    Bytes bytes = some(count);
-    for (std::uint8_t& octet : bytes) octet |= 1;
-    return bytes;
-  }
   Bytes octets() { return some(length()); }
-  Bytes octets_of_an_element() { return tlv(der::kOctetString, octets()); }
   Bytes prefixed() {
     const Bytes bytes = octets();
-    return join(little_endian(bytes.size()), bytes);
+    return concat(little_endian(bytes.size()), bytes);
   }
   template <class Record>
   static Record* nodes(std::size_t count) {
@@ -164,16 +149,12 @@ class Fill : public Visitor {
 
 // A record that is released with its scope.
 template <class S>
-struct Owned {
+struct Owned : Pinned {
   typename S::Record record{};
-
-  Owned() = default;
-  Owned(const Owned&) = delete;
-  Owned& operator=(const Owned&) = delete;
-  Owned(Owned&&) = delete;
-  Owned& operator=(Owned&&) = delete;
   ~Owned() { S::release(record); }
 };
+template <const auto& S>
+using OwnedBy = Owned<std::remove_cvref_t<decltype(S)>>;
 
 }  // namespace tq::test
 

@@ -48,17 +48,13 @@ inline TqLabelHandle label_of(const Version& version) {
 inline Scope scope_of(const Version& version) { return tq::scope_of(label_of(version)); }
 
 // A whole label filled at random, which is released with its scope.
-class RandomLabel {
+class RandomLabel : Pinned {
  public:
   RandomLabel(const Version& version, std::uint32_t seed, Lengths lengths = Lengths::kEdges)
       : label_(label_of(version)) {
     const Scope scope = tq::scope_of(label_);
     walk(kLabel, label_, scope, Fill(lengths, seed, scope));
   }
-  RandomLabel(const RandomLabel&) = delete;
-  RandomLabel& operator=(const RandomLabel&) = delete;
-  RandomLabel(RandomLabel&&) = delete;
-  RandomLabel& operator=(RandomLabel&&) = delete;
   ~RandomLabel() {
     FreeHead(&label_.head);
     FreeBody(&label_.body);

@@ -3,9 +3,6 @@
 
 // Goes through a record the way its schema declares it, so that one visitor serves every record.
 
-#include <tqasn1/asn1.h>
-
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -20,6 +17,8 @@
 #include "unit/support/bytes.h"
 
 namespace tq::test {
+
+inline const Bytes kEmail = hex("2A 86 48 86 F7 0D 01 09 01");
 
 // A schema as a parameter of typed tests, and its name.
 template <const auto& S>
@@ -41,22 +40,8 @@ struct SchemaNames {
   }
 };
 
-// What a visitor may care for; it hides what it handles.
-struct Visitor {
-  template <class Number>
-  void value(const Number& /*number*/) {}
-  void raw(const ANYBUF& /*field*/, RawRule /*rule*/, bool (* /*accepts*/)(der::Octet)) {}
-  template <class Record>
-  void list(const Record* /*first*/) {}  // before its entries
-  template <class Record>
-  void chain(const Record& /*first*/) {}  // the same, of one whose first entry is embedded
-  template <class Record>
-  void marking(const Record& /*record*/) {}
-  void attribute(const X509Name& /*attribute*/) {}
-  void certificate(const Sign& /*sign*/) {}
-  void key(const ENVELOPE& /*envelope*/) {}
-};
-
+// A visitor has an overload of value() for each kind of value, and members of its own for what it
+// treats otherwise: raw(), list(), marking(), attribute(), certificate() and key().
 template <class V>
 class Walk {
  public:
@@ -71,7 +56,11 @@ class Walk {
   }
   template <auto M, RawRule Rule, bool (*Accepts)(der::Octet), class R>
   void operator()(Raw<M, Rule, Accepts> /*field*/, R& record) {
-    visitor_.raw(record.*M, Rule, Accepts);
+    if constexpr (requires { visitor_.raw(record.*M, Rule, Accepts); }) {
+      visitor_.raw(record.*M, Rule, Accepts);
+    } else {
+      visitor_.value(record.*M);
+    }
   }
   template <class R, class... Fields>
   void operator()(Run<R, Fields...> /*run*/, R& record) {
@@ -91,26 +80,48 @@ class Walk {
   }
   template <der::Tag Tag, class Inner, class R>
   void operator()(Marking<Tag, Inner> /*marking*/, R& record) {
-    visitor_.marking(record);
+    if constexpr (requires { visitor_.marking(record); }) visitor_.marking(record);
     (*this)(Inner{}, record);
   }
   template <class Entry, class Rule>
   void operator()(List<Entry, Rule> /*list*/, typename Entry::Record*& first) {
-    visitor_.list(first);
+    list(first);
     for (auto* entry = first; entry != nullptr; entry = entry->next) (*this)(Entry{}, *entry);
   }
   template <class Entry>
   void operator()(Chained<Entry> /*chain*/, typename Entry::Record& first) {
-    visitor_.chain(first);
+    list(first.next);
     for (auto* entry = &first; entry != nullptr; entry = entry->next) (*this)(Entry{}, *entry);
   }
   void operator()(AttributeSchema /*schema*/, X509Name& attribute) {
-    visitor_.attribute(attribute);
+    if constexpr (requires { visitor_.attribute(attribute); }) {
+      visitor_.attribute(attribute);
+    } else {
+      visitor_.value(attribute.type);  // the type of a value is not always kept
+      visitor_.value(attribute.value);
+    }
   }
-  void operator()(SignerCertificate /*field*/, Sign& sign) { visitor_.certificate(sign); }
-  void operator()(WrappedKey /*field*/, ENVELOPE& envelope) { visitor_.key(envelope); }
+  void operator()(SignerCertificate /*field*/, Sign& sign) {
+    if constexpr (requires { visitor_.certificate(sign); }) {
+      visitor_.certificate(sign);
+    } else {
+      visitor_.value(sign.certificate);
+    }
+  }
+  void operator()(WrappedKey /*field*/, ENVELOPE& envelope) {
+    if constexpr (requires { visitor_.key(envelope); }) {
+      visitor_.key(envelope);
+    } else {
+      visitor_.value(envelope.encryptedKey);
+    }
+  }
 
  private:
+  template <class Record>
+  void list(Record*& first) {  // before its entries
+    if constexpr (requires { visitor_.list(first); }) visitor_.list(first);
+  }
+
   V& visitor_;
   const Scope& scope_;
 };
@@ -123,31 +134,20 @@ V walk(S schema, typename S::Record& record, const Scope& scope, V visitor) {
 
 // What a record holds: the fields that own bytes, those that borrow them, the blobs that are made
 // for identity-based values, and the entries that have a block of their own.
-struct Census : Visitor {
+struct Census {
   std::size_t owned = 0;
   std::size_t borrowed = 0;
   std::size_t blobs = 0;
   std::size_t entries = 0;
 
-  using Visitor::value;
+  template <class Number>
+  void value(const Number& /*number*/) {}
   void value(const ANYBUF& field) {
-    if (field.data == nullptr) return;
-    ++(field.form == ASN1_FORM_OWNED ? owned : borrowed);
-  }
-  void raw(const ANYBUF& field, RawRule /*rule*/, bool (* /*accepts*/)(der::Octet)) {
-    value(field);
+    if (field.data != nullptr) ++(field.form == ASN1_FORM_OWNED ? owned : borrowed);
   }
   template <class Record>
   void list(const Record* first) {
     for (; first != nullptr; first = first->next) ++entries;
-  }
-  template <class Record>
-  void chain(const Record& first) {
-    list(first.next);
-  }
-  void attribute(const X509Name& attribute) {
-    value(attribute.type);
-    value(attribute.value);
   }
   void certificate(const Sign& sign) {
     value(sign.certificate);
@@ -164,7 +164,7 @@ struct Census : Visitor {
 };
 
 // Everything that a record says, in the order of its fields.
-struct Digest : Visitor {
+struct Digest {
   Bytes bytes;
 
   template <class Number>
@@ -175,25 +175,12 @@ struct Digest : Visitor {
     value(field.length);
     if (field.length != 0) add(field.data, field.length);
   }
-  void raw(const ANYBUF& field, RawRule /*rule*/, bool (* /*accepts*/)(der::Octet)) {
-    value(field);
-  }
   template <class Record>
   void list(const Record* first) {
     std::size_t count = 0;
     for (; first != nullptr; first = first->next) ++count;
     value(count);
   }
-  template <class Record>
-  void chain(const Record& first) {
-    list(&first);
-  }
-  void attribute(const X509Name& attribute) {  // the type of a value is not always kept
-    value(attribute.type);
-    value(attribute.value);
-  }
-  void certificate(const Sign& sign) { value(sign.certificate); }
-  void key(const ENVELOPE& envelope) { value(envelope.encryptedKey); }
 
  private:
   void add(const void* from, std::size_t length) {
@@ -203,20 +190,19 @@ struct Digest : Visitor {
 };
 
 // Whether a record holds what its reader takes and its writer refuses.
-struct Refusals : Visitor {
+struct Refusals {
   bool found = false;
 
+  template <class Value>
+  void value(const Value& /*value*/) {}
   void raw(const ANYBUF& field, RawRule rule, bool (* /*accepts*/)(der::Octet)) {
-    if (rule == RawRule::kLenient && field.length == 0)
-      found = true;  // another element stood there
+    if (rule == RawRule::kLenient && field.length == 0) found = true;  // it was another element
   }
   void attribute(const X509Name& attribute) {
-    static const Bytes kEmail = hex("2A 86 48 86 F7 0D 01 09 01");
+    constexpr std::string_view kLastOctets = "\3\6\7\10\12\13";
     const ANYBUF& type = attribute.type;
-    const bool email = type.length == kEmail.size() && bytes_of(&type) == kEmail;
-    constexpr std::uint8_t kLastOctets[] = {3, 6, 7, 8, 10, 11};
-    if (!email && (type.length != 3 ||
-                   std::ranges::find(kLastOctets, type.data[2]) == std::end(kLastOctets))) {
+    if (equal_bytes(type, kEmail.data(), kEmail.size())) return;
+    if (type.length != 3 || kLastOctets.find(static_cast<char>(type.data[2])) == kLastOctets.npos) {
       found = true;
     }
   }
