@@ -119,42 +119,6 @@ TEST_P(EnvelopeGetters, BodyEnvelopesAreHandedOutFieldByField) {
   EXPECT_EQ(exact.taken(), (BodyEnvelope{stored, rights}));
 }
 
-TEST_P(EnvelopeGetters, BodyEnvelopesNeedTheirBuffers) {
-  Label label;
-  fill(label, GetParam());
-  Room room(recipient(1));
-  EXPECT_EQ(GetEnvelopeFromBody(label, &room.envelope, &room.privilege), 1) << "an empty list";
-  EXPECT_EQ(GetDigitEnvlope(label, 0, &room.envelope, &room.privilege), -1);
-  ASSERT_EQ(add_to_body(label, {recipient(2)}), 0);
-  ASSERT_EQ(add_to_body(label, {recipient(1)}), 0);
-  EXPECT_FALSE(from_body(label, recipient(3)));
-  EXPECT_EQ(GetEnvelopeFromBody(nullptr, &room.envelope, &room.privilege), -1);
-  EXPECT_EQ(GetEnvelopeFromBody(label, nullptr, &room.privilege), -1);
-  EXPECT_EQ(GetEnvelopeFromBody(label, &room.envelope, nullptr), -1);
-  EXPECT_EQ(GetDigitEnvlope(nullptr, 0, &room.envelope, &room.privilege), -1);
-  EXPECT_EQ(GetDigitEnvlope(label, 0, nullptr, &room.privilege), -1);
-  EXPECT_EQ(GetDigitEnvlope(label, 0, &room.envelope, nullptr), -1);
-  for (const auto member : {&EnvelopeInfo::alg, &EnvelopeInfo::key, &EnvelopeInfo::serial}) {
-    EnvelopeInfo lacking = room.envelope;
-    lacking.*member = nullptr;
-    EXPECT_EQ(GetEnvelopeFromBody(label, &lacking, &room.privilege), -1);
-    EXPECT_EQ(GetDigitEnvlope(label, 0, &lacking, &room.privilege), -1);
-  }
-  PrivilegeInfo lacking = room.privilege;
-  lacking.data = nullptr;
-  EXPECT_EQ(GetEnvelopeFromBody(label, &room.envelope, &lacking), -1);
-  EXPECT_EQ(GetDigitEnvlope(label, 0, &room.envelope, &lacking), -1);
-  EXPECT_EQ(Bytes(room.envelope.alg, room.envelope.alg + 32), Bytes(32, 0xEE));
-  EnvelopeInfo unaddressed = room.envelope;
-  unaddressed.issuer = nullptr;
-  EXPECT_EQ(GetEnvelopeFromBody(label, &unaddressed, &room.privilege), -1);
-  EXPECT_EQ(GetEnvelopeFromHead(label, &unaddressed), -1);
-  EXPECT_EQ(GetDigitEnvlope(label, 0, &unaddressed, &room.privilege), 0);
-  ASSERT_NE(unaddressed.issuer, nullptr) << "by position, an issuer is made";
-  EXPECT_EQ(attributes_of(unaddressed.issuer), recipient(1).issuer);
-  EXPECT_EQ(FreeIssuerName(unaddressed.issuer), 0);
-}
-
 TEST_P(EnvelopeGetters, ArrayThatIsMadeForPairsHoldsTwenty) {
   for (const std::uint16_t stored : std::vector<std::uint16_t>{0, 1, 20, 21}) {
     SCOPED_TRACE(stored);
@@ -199,23 +163,6 @@ TEST_P(EnvelopeGetters, FirstFourBytesOfAPairAreStoredWhole) {
   EXPECT_EQ(record.children.at(9).der(), hex("30 0D 31 0B 30 09  02 04 07 65 43 21  02 01 09"));
 }
 
-TEST_P(EnvelopeGetters, PositionsServeAllButTheLast) {
-  Label label;
-  fill(label, GetParam());
-  for (std::uint8_t count = 1; count <= 4; ++count) {
-    ASSERT_EQ(add_to_body(label, {recipient(count)}), 0);
-    for (const std::int32_t index : {INT32_MIN, -1, 0, 1, 2, 3, 4, INT32_MAX}) {
-      Room room;
-      const bool served = index >= 0 && index < count - 1;
-      EXPECT_EQ(GetDigitEnvlope(label, index, &room.envelope, &room.privilege), served ? 0 : -1)
-          << index << " of " << int{count};
-      if (served) {
-        EXPECT_EQ(room.taken().envelope.to, recipient(static_cast<std::uint8_t>(count - index)));
-      }
-    }
-  }
-}
-
 TEST_P(EnvelopeGetters, EnvelopeOfAnUnknownAlgorithmIsNotHandedOut) {
   Label label;
   fill(label, GetParam());
@@ -236,32 +183,6 @@ TEST_P(EnvelopeGetters, EnvelopeOfAnUnknownAlgorithmIsNotHandedOut) {
   EXPECT_EQ(GetEnvelopeFromHead(decoded, &room.envelope), -1) << "nor its size";
   EXPECT_TRUE(from_head(decoded, recipient(1)));
   EXPECT_EQ(encode(decoded), tree.der());
-}
-
-TEST_P(EnvelopeGetters, PrivilegeDataIsFoundByIssuerAndSerial) {
-  Label label;
-  fill(label, GetParam());
-  const Bytes long_subject = tlv(0x30, tlv(0x04, pattern(300)));
-  Privileges rights;
-  ASSERT_EQ(add_to_body(label, {recipient(1)}, rights), 0);
-  rights.data = long_subject;
-  ASSERT_EQ(add_to_body(label, {recipient(2)}, rights), 0);
-  const std::uint8_t serial[] = {2, 2};
-  const Issuer issuer(recipient(2).issuer);
-  const Issuer other(recipient(2, "other").issuer);
-  EXPECT_EQ(fetch([&](std::uint8_t* buffer, std::uint32_t* length) {
-              return GetCertByIssuerAndSerial(label, serial, kHighBits | 1, issuer.get(), buffer,
-                                              length);
-            }),
-            long_subject);
-  std::uint32_t length = 77;
-  EXPECT_EQ(GetCertByIssuerAndSerial(label, serial, 2, issuer.get(), nullptr, &length), -1);
-  EXPECT_EQ(GetCertByIssuerAndSerial(label, serial, 1, other.get(), nullptr, &length), -1);
-  EXPECT_EQ(GetCertByIssuerAndSerial(nullptr, serial, 1, issuer.get(), nullptr, &length), 0);
-  EXPECT_EQ(GetCertByIssuerAndSerial(label, nullptr, 1, issuer.get(), nullptr, &length), 0);
-  EXPECT_EQ(GetCertByIssuerAndSerial(label, serial, 1, nullptr, nullptr, &length), 0);
-  EXPECT_EQ(GetCertByIssuerAndSerial(label, serial, 1, issuer.get(), nullptr, nullptr), 0);
-  EXPECT_EQ(length, 77U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, EnvelopeGetters, testing::ValuesIn(kFamily), [](const auto& each) {

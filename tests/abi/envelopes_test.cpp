@@ -61,77 +61,6 @@ TEST_P(EachFamilyVersion, EnvelopesComeBackAsTheyWereAdded) {
   }
 }
 
-TEST_P(EachFamilyVersion, ListsAreNewestFirstAndAReplacementMovesToTheFront) {
-  for (const bool body : {false, true}) {
-    Label label;
-    fill(label, GetParam());
-    void* const untouched = &label;
-    void* previous = untouched;
-    EXPECT_EQ(find(label, body, recipient(1), &previous), 0);
-    EXPECT_EQ(previous, untouched);
-    for (const std::uint8_t serial : Bytes{1, 2, 3}) {
-      ASSERT_EQ(add(label, body, {recipient(serial)}), 0);
-    }
-    EXPECT_EQ(serials(label, body, GetParam()), (std::vector<Bytes>{{3}, {2}, {1}}));
-    void* before[4] = {};
-    for (const std::uint8_t serial : Bytes{1, 2, 3}) {
-      EXPECT_EQ(find(label, body, recipient(serial), &before[serial]), 1);
-    }
-    EXPECT_EQ(before[3], nullptr);
-    EXPECT_NE(before[2], nullptr);
-    EXPECT_NE(before[1], nullptr);
-    EXPECT_NE(before[1], before[2]);
-
-    // The middle one, the first one and the last one of the list.
-    const std::vector<Bytes> orders[] = {{{2}, {3}, {1}}, {{2}, {3}, {1}}, {{1}, {2}, {3}}};
-    std::uint8_t key = 100;
-    for (const std::vector<Bytes>& order : orders) {
-      const HeadEnvelope replacement{recipient(order[0][0]), text("RSA"), {key++}};
-      ASSERT_EQ(add(label, body, replacement), 0);
-      EXPECT_EQ(serials(label, body, GetParam()), order);
-      EXPECT_EQ(find(label, body, replacement.to, &previous), 1);
-      EXPECT_EQ(previous, nullptr);
-      EXPECT_EQ(body ? from_body(label, replacement.to).value().envelope
-                     : from_head(label, replacement.to).value(),
-                replacement);
-    }
-    previous = untouched;
-    EXPECT_EQ(find(label, body, recipient(9), &previous), 0);
-    EXPECT_EQ(previous, untouched);
-    EXPECT_EQ(find(label, !body, recipient(1)), 0) << "the lists are two";
-  }
-}
-
-TEST_P(EachFamilyVersion, RecipientsAreSerialAndIssuerTogether) {
-  const std::vector<Issuer::Attribute> narrow = {{kCommonName, 19, text("CA")}};
-  for (const bool body : {false, true}) {
-    Label label;
-    fill(label, GetParam());
-    ASSERT_EQ(add(label, body, {recipient(1, "A")}), 0);
-    ASSERT_EQ(add(label, body, {recipient(1, "B")}), 0);
-    ASSERT_EQ(add(label, body, {{{}, recipient(0, "A").issuer}}), 0);
-    EXPECT_EQ(serials(label, body, GetParam()).size(), 3U);
-    EXPECT_EQ(find(label, body, recipient(1, "C")), 0);
-    EXPECT_EQ(find(label, body, {{0, 1}, recipient(1, "A").issuer}), 0);
-    EXPECT_EQ(find(label, body, {{}, recipient(1, "A").issuer}), 1);
-    EXPECT_EQ(find(label, body, {{}, recipient(1, "B").issuer}), 0);
-    // An issuer of fewer attributes matches; an empty one matches all. The first match counts.
-    void* previous = &label;
-    EXPECT_EQ(find(label, body, {{1}, {}}, &previous), 1);
-    EXPECT_NE(previous, nullptr);
-    EXPECT_EQ(find(label, body, {{1}, {{kCountry, 19, text("CN")}}}), 1);
-    EXPECT_EQ(find(label, body, {{1}, {{kCountry, 19, text("C")}}}), 0);
-
-    // So a narrow issuer replaces a wide one, but not the other way round.
-    ASSERT_EQ(add(label, body, {{{2}, narrow}}), 0);
-    ASSERT_EQ(add(label, body, {recipient(2)}), 0);
-    EXPECT_EQ(serials(label, body, GetParam()).size(), 5U);
-    ASSERT_EQ(add(label, body, {{{2}, narrow}}), 0);
-    EXPECT_EQ(serials(label, body, GetParam()).size(), 5U) << "the wide one went";
-    EXPECT_EQ(find(label, body, recipient(2)), 0);
-  }
-}
-
 TEST_P(EachFamilyVersion, FailedReplacementsLoseTheEarlierEnvelope) {
   const HeadEnvelope good{recipient(7)};
   HeadEnvelope unknown = good;
@@ -154,68 +83,6 @@ TEST_P(EachFamilyVersion, FailedReplacementsLoseTheEarlierEnvelope) {
       EXPECT_EQ(serials(label, body, GetParam()), (std::vector<Bytes>{{8}, {6}}));
     }
   }
-}
-
-TEST_P(EachFamilyVersion, NullPointersFailAndChangeNothing) {
-  Label label;
-  fill(label, GetParam());
-  HeadEnvelope envelope{recipient(1)};
-  Privileges privileges{kSubject, {}, {}, {{1, 2}}};
-  ASSERT_EQ(add_to_head(label, envelope), 0);
-  ASSERT_EQ(add_to_body(label, envelope, privileges), 0);
-  const Bytes before = encode(label);
-  Issuer issuer(envelope.to.issuer);
-  std::vector<PrivilegeEntry> entries;
-  const EnvelopeInfo info = view(envelope, issuer);
-  const PrivilegeInfo rights = view(privileges, entries);
-  EXPECT_EQ(AddEnvelopeToHead(nullptr, &info), -1);
-  EXPECT_EQ(AddEnvelopeToHead(label, nullptr), -1);
-  EXPECT_EQ(ADDigitEnvlopeToBody(nullptr, &info, &rights), -1);
-  EXPECT_EQ(ADDigitEnvlopeToBody(label, nullptr, &rights), -1);
-  EXPECT_EQ(ADDigitEnvlopeToBody(label, &info, nullptr), -1);
-  void* previous = &label;
-  for (const auto how : {HaveTheEnvelopeFromHEnv, HaveTheEnvelopeFromBEnv}) {
-    EXPECT_EQ(how(nullptr, info.serial, 1, info.issuer, &previous), -1);
-    EXPECT_EQ(how(label, nullptr, 1, info.issuer, &previous), -1);
-    EXPECT_EQ(how(label, nullptr, 0, info.issuer, &previous), -1);
-    EXPECT_EQ(how(label, info.serial, 1, nullptr, &previous), -1);
-    EXPECT_EQ(how(label, info.serial, 1, info.issuer, nullptr), -1);
-  }
-  EXPECT_EQ(previous, &label);
-  const auto without = [&](auto member) {
-    EnvelopeInfo lacking = info;
-    lacking.*member = nullptr;
-    EXPECT_EQ(AddEnvelopeToHead(label, &lacking), -1);
-    EXPECT_EQ(ADDigitEnvlopeToBody(label, &lacking, &rights), -1);
-  };
-  without(&EnvelopeInfo::serial);
-  without(&EnvelopeInfo::issuer);
-  EnvelopeInfo keyless = info;
-  keyless.key = nullptr;
-  EXPECT_EQ(ADDigitEnvlopeToBody(label, &keyless, &rights), -1);
-  keyless.keyLen = 0;
-  EXPECT_EQ(ADDigitEnvlopeToBody(label, &keyless, &rights), -1);
-  EXPECT_EQ(encode(label), before);
-
-  // These are seen when the earlier envelope is gone already.
-  PrivilegeInfo bare = rights;
-  bare.entries = nullptr;
-  EXPECT_EQ(ADDigitEnvlopeToBody(label, &info, &bare), -1);
-  EXPECT_TRUE(body_serials(label, GetParam()).empty());
-  bare.entryCount = 0;
-  bare.data = nullptr;
-  EXPECT_EQ(ADDigitEnvlopeToBody(label, &info, &bare), -1);
-  bare.dataLen = 0;
-  EXPECT_EQ(ADDigitEnvlopeToBody(label, &info, &bare), 0) << "no array, no count";
-  EnvelopeInfo nameless = info;
-  nameless.alg = nullptr;
-  EXPECT_EQ(AddEnvelopeToHead(label, &nameless), -1);
-  EXPECT_EQ(ADDigitEnvlopeToBody(label, &nameless, &rights), -1);
-  keyless.keyLen = 5;
-  EXPECT_EQ(AddEnvelopeToHead(label, &keyless), -1);
-  keyless.keyLen = 0;
-  EXPECT_EQ(AddEnvelopeToHead(label, &keyless), 0) << "no key at all is one";
-  EXPECT_EQ(from_head(label, envelope.to).value().key, Bytes{});
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, EachFamilyVersion, testing::ValuesIn(kFamily), [](const auto& each) {
@@ -264,6 +131,30 @@ TEST(Envelopes, AreNeitherTakenNorFoundOutsideThe11Family) {
   EXPECT_EQ(room.envelope.issuer, nullptr);
   EXPECT_EQ(room.taken(), (BodyEnvelope{{{{2}, {}}, text("sm2"), pattern(16, 2)}, {}}));
   EXPECT_EQ(GetDigitEnvlope(decoded, 2, &room.envelope, &room.privilege), -1);
+}
+
+TEST(EncryptHead, KeepsADecodedModeUntilACipherIsSet) {
+  Label label;
+  fill(label, "1.1");
+  Element tree = parse(encode(label));
+  Element& header = tree.children[0].children[7];
+  ASSERT_EQ(header.children[1].der(), hex("02 01 00"));
+  header.children[1].content = {0x12, 0x34};
+  header.children[2].content = {0x01, 0x08};
+  const Label decoded = decode(tree.der());
+  ASSERT_TRUE(decoded);
+  std::uint8_t bits = 0;
+  EXPECT_EQ(GetHeadFeedBackBits(decoded, &bits), 0);
+  EXPECT_EQ(bits, 8) << "the low 8 bits";
+  EXPECT_EQ(encode(decoded), tree.der());
+  ASSERT_EQ(SetEncryptHead(decoded, text("AES.256.CBC").data(), 11, kHighBits | 8), 0);
+  EXPECT_EQ(encode(decoded), encode(label));
+
+  header.children[0].content = hex("2A 03");
+  const Label foreign = decode(tree.der());
+  std::uint8_t size = 9;
+  EXPECT_EQ(GetEncryptHead(foreign, nullptr, &size, &bits), -1) << "no name for it";
+  EXPECT_EQ(size, 9);
 }
 
 }  // namespace

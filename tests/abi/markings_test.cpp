@@ -5,95 +5,9 @@
 namespace tq::abi {
 namespace {
 
-OwnedMark mark_of(TqLabel label) { return take<OwnedMark>(label, GetWaterMarkInfo); }
 OwnedStamp stamp_of(TqLabel label) { return take<OwnedStamp>(label, GetStampInfo); }
 
-void expect_same(const WaterMark& mark, const WaterMark& in) {
-  EXPECT_EQ(made(mark.data1, mark.data1Len), Bytes(in.data1, in.data1 + in.data1Len));
-  EXPECT_EQ(made(mark.data2, mark.data2Len), Bytes(in.data2, in.data2 + in.data2Len));
-  EXPECT_EQ(mark.alg, in.alg);
-  EXPECT_EQ(mark.algParam, in.algParam);
-  EXPECT_EQ(mark.textLen, in.text == nullptr ? 0 : std::strlen(in.text) + 1);
-  if (in.text != nullptr) {
-    EXPECT_STREQ(mark.text, in.text);
-  }
-  EXPECT_EQ(mark.time, in.time);
-}
-
-// As a stamp comes back: all but the second text, which has a rule of its own.
-void expect_same(const StampRecord& stamp, const StampRecord& in) {
-  const auto same = [](const std::uint8_t* out, std::uint32_t length, const std::uint8_t* put,
-                       std::uint32_t put_length) {
-    EXPECT_EQ(made(out, length), Bytes(put, put + put_length));
-  };
-  same(stamp.name, stamp.nameLen, in.name, in.nameLen);
-  same(stamp.bits, stamp.bitsLen, in.bits, in.bitsLen);
-  const Seal& seal = in.seal;
-  same(stamp.seal.name, stamp.seal.nameLen, seal.name, seal.nameLen);
-  same(stamp.seal.data, stamp.seal.dataLen, seal.data, seal.dataLen);
-  same(stamp.seal.element, stamp.seal.elementLen, seal.element, seal.elementLen);
-  same(stamp.seal.bits, stamp.seal.bitsLen, seal.bits, seal.bitsLen);
-  EXPECT_EQ(stamp.seal.type, seal.type);
-  const Meta& meta = stamp.seal.meta;
-  same(meta.element, meta.elementLen, seal.meta.element, seal.meta.elementLen);
-  same(meta.text1, meta.text1Len, seal.meta.text1, seal.meta.text1Len);
-  same(meta.text2, meta.text2Len, seal.meta.text2, seal.meta.text2Len);
-  EXPECT_EQ(meta.time1, seal.meta.time1);
-  EXPECT_EQ(meta.time2, seal.meta.time2);
-  EXPECT_EQ(meta.time3, seal.meta.time3);
-  EXPECT_STREQ(stamp.stamp.text1, in.stamp.text1);
-  EXPECT_EQ(stamp.stamp.text1Len, std::strlen(in.stamp.text1) + 1);
-  EXPECT_EQ(stamp.stamp.text2Len, std::strlen(in.stamp.text2) + 1);
-  same(stamp.stamp.data, stamp.stamp.dataLen, in.stamp.data, in.stamp.dataLen);
-  EXPECT_EQ(stamp.stamp.time, in.stamp.time);
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(stamp.stamp.value[i], in.stamp.value[i]);
-}
-
-TEST(WaterMark, ComesBackFromTheLabelAndFromItsBytes) {
-  for (const char* version : kVersions) {
-    Label label;
-    fill(label, version);
-    MarkInput first;
-    ASSERT_EQ(SetWaterMarkInfo(label, &first.record), 0);
-    expect_same(*mark_of(label), first.record);
-    EXPECT_EQ(mark_of(label)->textLen, 3U);
-    // A whole new one in its place: longer, shorter, without a text.
-    Bytes longer = pattern(300);
-    std::uint8_t nothing = 0;
-    std::string words;
-    const WaterMark others[] = {
-        {longer.data(), 300, longer.data(), 1, UINT32_MAX, 0, words.data(), 0, 1},
-        {&nothing, 0, longer.data(), 2, 0, 0, nullptr, 5, 0}};
-    for (const WaterMark& other : others) {
-      ASSERT_EQ(SetWaterMarkInfo(label, &other), 0);
-      const Label decoded = decode(encode(label));
-      ASSERT_TRUE(decoded);
-      expect_same(*mark_of(label), other);
-      expect_same(*mark_of(decoded), other);
-    }
-  }
-}
-
-TEST(WaterMark, NeedsItsData) {
-  for (const char* version : kVersions) {
-    Label label;
-    fill(label, version);
-    const Bytes before = encode(label);
-    MarkInput input;
-    EXPECT_EQ(SetWaterMarkInfo(nullptr, &input.record), -1);
-    EXPECT_EQ(SetWaterMarkInfo(label, nullptr), -1);
-    for (const auto member : {&WaterMark::data1, &WaterMark::data2}) {
-      WaterMark lacking = input.record;
-      lacking.*member = nullptr;
-      EXPECT_EQ(SetWaterMarkInfo(label, &lacking), -1);
-    }
-    EXPECT_EQ(encode(label), before);
-    WaterMark* mark = nullptr;
-    EXPECT_EQ(GetWaterMarkInfo(nullptr, &mark), -1);
-    EXPECT_EQ(GetWaterMarkInfo(label, nullptr), -1);
-    EXPECT_EQ(mark, nullptr);
-  }
-}
+OwnedFinger finger_of(TqLabel label) { return take<OwnedFinger>(label, GetFingerPrintInfo); }
 
 TEST(WaterMark, IsReleasedButForTextAndRecord) {
   Label label;
@@ -108,31 +22,6 @@ TEST(WaterMark, IsReleasedButForTextAndRecord) {
   Asn1Free(mark->text);
   Asn1Free(mark);
   EXPECT_EQ(FreetWaterMarkInfo(nullptr), 0);
-}
-
-TEST(Stamp, ComesBackFromTheLabelAndFromItsBytes) {
-  for (const char* version : kVersions) {
-    Label label;
-    fill(label, version);
-    StampInput input;
-    for (int round = 0; round < 2; ++round) {
-      ASSERT_EQ(SetStampInfo(label, &input.record), 0);
-      const Label decoded = decode(encode(label));
-      ASSERT_TRUE(decoded);
-      expect_same(*stamp_of(label), input.record);
-      expect_same(*stamp_of(decoded), input.record);
-      // The next round replaces it by one with all that may be empty or missing.
-      input.record.nameLen = 0;
-      input.record.seal.name = nullptr;
-      input.record.seal.nameLen = 0;
-      input.record.seal.bits = nullptr;
-      input.record.seal.bitsLen = 0;
-      input.record.seal.elementLen = 0;
-      input.record.seal.meta.elementLen = 0;
-      input.record.seal.meta.text1Len = 0;
-      input.record.stamp.value[0] = UINT32_MAX;
-    }
-  }
 }
 
 TEST(Stamp, SecondTextHasTheLengthOfItsOwnAndTheBytesOfTheData) {
@@ -169,56 +58,16 @@ TEST(Stamp, LacksWhatComesBehindAMissingBuffer) {
     int stored;  // 0 nothing, 1 name and bits, 2 the seal, 3 the meta record, 4 the stamp proper
   };
   const Case cases[] = {
-      {"name",
-       [](StampRecord& in) {
-         in.name = nullptr;
-         in.nameLen = 0;
-       },
-       -1, 0},
-      {"bits",
-       [](StampRecord& in) {
-         in.bits = nullptr;
-         in.bitsLen = 0;
-       },
-       -1, 0},
-      {"seal data",
-       [](StampRecord& in) {
-         in.seal.data = nullptr;
-         in.seal.dataLen = 0;
-       },
-       -1, 1},
-      {"seal element",
-       [](StampRecord& in) {
-         in.seal.element = nullptr;
-         in.seal.elementLen = 0;
-       },
-       -1, 1},
-      {"meta element",
-       [](StampRecord& in) {
-         in.seal.meta.element = nullptr;
-         in.seal.meta.elementLen = 0;
-       },
-       -1, 2},
-      {"meta text 1",
-       [](StampRecord& in) {
-         in.seal.meta.text1 = nullptr;
-         in.seal.meta.text1Len = 0;
-       },
-       -1, 2},
-      {"meta text 2",
-       [](StampRecord& in) {
-         in.seal.meta.text2 = nullptr;
-         in.seal.meta.text2Len = 0;
-       },
-       -1, 2},
+      {"name", [](StampRecord& in) { in.name = nullptr; }, -1, 0},
+      {"bits", [](StampRecord& in) { in.bits = nullptr; }, -1, 0},
+      {"seal data", [](StampRecord& in) { in.seal.data = nullptr; }, -1, 1},
+      {"seal element", [](StampRecord& in) { in.seal.element = nullptr; }, -1, 1},
+      {"meta element", [](StampRecord& in) { in.seal.meta.element = nullptr; }, -1, 2},
+      {"meta text 1", [](StampRecord& in) { in.seal.meta.text1 = nullptr; }, -1, 2},
+      {"meta text 2", [](StampRecord& in) { in.seal.meta.text2 = nullptr; }, -1, 2},
       {"text 1", [](StampRecord& in) { in.stamp.text1 = nullptr; }, 0, 3},
       {"text 2", [](StampRecord& in) { in.stamp.text2 = nullptr; }, 0, 3},
-      {"data",
-       [](StampRecord& in) {
-         in.stamp.data = nullptr;
-         in.stamp.dataLen = 0;
-       },
-       0, 3},
+      {"data", [](StampRecord& in) { in.stamp.data = nullptr; }, 0, 3},
   };
   for (const char* version : kVersions) {
     for (const Case& each : cases) {
@@ -298,35 +147,6 @@ TEST(Stamp, OfADecodedLabelMayBeLargerThanItsRecordTells) {
   EXPECT_EQ(encode(lacking), tree.der());
 }
 
-TEST(Markings, ThatAreUnsetAreReadAsEmptyRecords) {
-  for (const char* version : kVersions) {
-    Label label;
-    fill(label, version);
-    const Label decoded = decode(encode(label));
-    const Label bare;
-    const TqLabel handles[] = {label, decoded, bare};
-    for (std::size_t i = 0; i < std::size(handles); ++i) {
-      const OwnedMark mark = mark_of(handles[i]);
-      EXPECT_EQ(mark->data1Len + mark->data2Len + mark->textLen, 0U);
-      EXPECT_EQ(mark->time, 0U);
-      const OwnedStamp stamp = stamp_of(handles[i]);
-      EXPECT_EQ(stamp->nameLen + stamp->bitsLen + stamp->stamp.text2Len + stamp->seal.elementLen,
-                0U);
-      EXPECT_EQ(stamp->seal.meta.time3, 0U);
-      const OwnedFinger finger = take<OwnedFinger>(handles[i], GetFingerPrintInfo);
-      EXPECT_EQ(finger->sys1Len + finger->sys2Len + finger->sys3Len + finger->list.count, 0U);
-      EXPECT_EQ(finger->list.entries, nullptr);
-      if (i == 1) continue;  // was read from elements that were written, though empty
-      EXPECT_EQ(mark->data1, nullptr);
-      EXPECT_EQ(mark->text, nullptr);
-      EXPECT_EQ(stamp->name, nullptr);
-      EXPECT_EQ(stamp->stamp.text1, nullptr);
-      EXPECT_EQ(stamp->seal.meta.element, nullptr);
-      EXPECT_EQ(finger->sys1, nullptr);
-    }
-  }
-}
-
 TEST(Markings, AreLeftOutOf112UntilTheyAreSetAndNowhereElse) {
   for (const char* version : kVersions) {
     for (unsigned chosen = 0; chosen < 8; ++chosen) {
@@ -368,6 +188,78 @@ TEST(Markings, AreLeftOutOf112UntilTheyAreSetAndNowhereElse) {
       EXPECT_EQ(encode(decoded), der) << "what was set stays set";
     }
   }
+}
+
+TEST(FingerPrints, HaveTwoFlagsThatCallersDoNotSee) {
+  Label label;
+  fill(label, "1.1.1");
+  FingerInput input;
+  input.record.list = {1, &input.entries[2]};  // all nine flags
+  ASSERT_EQ(SetFingerPrintInfo(label, &input.record), 0);
+  Element tree = parse(encode(label));
+  Element& entry = marking(tree, "1.1.1", 2)->children.at(1).children.at(0).children.at(0);
+  ASSERT_EQ(entry.children.size(), 12U);
+  for (std::size_t flag = 0; flag < 11; ++flag) {
+    EXPECT_EQ(entry.children[flag + 1].der(), flag < 9 ? hex("01 01 FF") : hex("01 01 00"));
+  }
+  entry.children[10].content = entry.children[11].content = {0xFF};
+  entry.children[3].content = {0x00};
+  entry.children.erase(entry.children.begin());  // the subject may be missing
+  const Label decoded = decode(tree.der());
+  ASSERT_TRUE(decoded);
+  const OwnedFinger finger = finger_of(decoded);
+  ASSERT_EQ(finger->list.count, 1U);
+  const FingerEntry& out = finger->list.entries[0];
+  EXPECT_EQ(Bytes(out.action, out.action + 9), (Bytes{1, 1, 0, 1, 1, 1, 1, 1, 1}));
+  EXPECT_EQ(out.valueLen, 0U);
+}
+
+TEST(FingerPrints, WithoutEntriesFailButKeepTheSystemInformation) {
+  for (const char* version : kVersions) {
+    SCOPED_TRACE(version);
+    for (const bool earlier : {false, true}) {
+      Label label;
+      fill(label, version);
+      FingerInput input;
+      if (earlier) {
+        ASSERT_EQ(SetFingerPrintInfo(label, &input.record), 0);
+      }
+      Bytes other = pattern(12, 20);
+      input.record.sys1 = other.data();
+      input.record.sys1Len = 12;
+      input.record.sysValue = 6;
+      input.record.list.count = 0;
+      EXPECT_EQ(SetFingerPrintInfo(label, &input.record), -1);
+      const Label decoded = decode(encode(label));
+      ASSERT_TRUE(decoded);
+      for (const TqLabel each : {TqLabel{label}, TqLabel{decoded}}) {
+        const OwnedFinger finger = finger_of(each);
+        EXPECT_EQ(made(finger->sys1, finger->sys1Len), other);
+        EXPECT_EQ(finger->sysValue, 6U);
+        EXPECT_EQ(finger->list.count, 0U);
+        EXPECT_EQ(finger->list.entries, nullptr);
+      }
+      Element tree = parse(encode(label));
+      ASSERT_NE(marking(tree, version, 2), nullptr) << "it counts as set";
+      EXPECT_EQ(marking(tree, version, 2)->children.at(1).der(), hex("05 00"));
+    }
+  }
+}
+
+TEST(SetBodyFileCreator, TimeOfADecodedRecordIsHandedOutInItsLow32Bits) {
+  Label label;
+  fill(label, "1.1");
+  Element tree = parse(encode(label));
+  Element& creator = tree.children[1].children[6];
+  ASSERT_EQ(creator.children[2].content, text("19700101000000Z"));
+  creator.children[2].content = text("21060207062820Z");  // 2^32 + 4
+  const Label decoded = decode(tree.der());
+  ASSERT_TRUE(decoded);
+  std::uint8_t none = 0;
+  FileCreatorInfo out{&none, 0, &none, 0, 9};
+  EXPECT_EQ(GetFileIdentify(decoded, &out), 0);
+  EXPECT_EQ(out.time, 4U);
+  EXPECT_EQ(encode(decoded), tree.der());
 }
 
 }  // namespace

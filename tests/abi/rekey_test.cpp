@@ -40,63 +40,6 @@ Label with_recipients(const char* version, std::uint8_t count) {
   return label;
 }
 
-TEST(Rekeying, GivesEveryRecipientOfTheBodyNewKeysAndAnEnvelopeInTheHead) {
-  for (const char* version : kFamily) {
-    for (const std::uint8_t count : Bytes{1, 2, 3}) {
-      SCOPED_TRACE(testing::Message() << version << ", " << int{count});
-      const Label label = with_recipients(version, count);
-      std::vector<Bytes> oldest_first;
-      for (std::uint8_t i = 1; i <= count; ++i) oldest_first.push_back({i});
-      {
-        const Enumerator envelopes(label);
-        DigitEnvolopEnum* it = envelopes.it;
-        EXPECT_EQ(body_serials(label, version), oldest_first);
-        EXPECT_TRUE(head_serials(label, version).empty());
-        for (std::uint8_t i = 1; i <= count; ++i) {
-          EXPECT_EQ(HaveNextDigitEnvolop(it), 0) << "nothing was read yet";
-          EXPECT_EQ(current(it), subject_of(i));
-          EXPECT_EQ(current(it), subject_of(i)) << "reading again";
-          EXPECT_EQ(HaveNextDigitEnvolop(it), i < count ? 0 : 1);
-          EXPECT_EQ(rekey(it, i), 0);
-          EXPECT_EQ(HaveNextDigitEnvolop(it), i < count ? 0 : 1);
-        }
-        std::uint32_t length = 77;
-        EXPECT_EQ(GetCurrentDigitEnvolop(it, nullptr, &length), -1) << "no current one any more";
-        EXPECT_EQ(length, 77U);
-        EXPECT_EQ(rekey(it, 9), -1);
-      }
-      const Label decoded = decode(encode(label));
-      ASSERT_TRUE(decoded);
-      EXPECT_EQ(body_serials(decoded, version), oldest_first);
-      EXPECT_EQ(head_serials(decoded, version),
-                std::vector<Bytes>(oldest_first.rbegin(), oldest_first.rend()));
-      for (std::uint8_t i = 1; i <= count; ++i) {
-        Privileges rights;
-        rights.data = subject_of(i);
-        const Recipient to = recipient(i);
-        EXPECT_EQ(from_head(decoded, to), (HeadEnvelope{to, text("AES"), head_key(i)}));
-        EXPECT_EQ(from_body(decoded, to), (BodyEnvelope{{to, text("AES"), body_key(i)}, rights}));
-      }
-    }
-  }
-}
-
-TEST(Rekeying, StaysAtAnEnvelopeThatWasNotRead) {
-  const Label label = with_recipients("1.1", 2);
-  const Enumerator envelopes(label);
-  std::uint32_t length = 0;
-  for (const std::uint8_t number : Bytes{5, 6}) {
-    EXPECT_EQ(GetCurrentDigitEnvolop(envelopes.it, nullptr, &length), 0) << "asks for the size";
-    EXPECT_EQ(rekey(envelopes.it, number), 0);
-    EXPECT_EQ(head_serials(label, "1.1"), (std::vector<Bytes>{{1}}));
-    EXPECT_EQ(from_head(label, recipient(1)).value().key, head_key(number));
-    EXPECT_EQ(from_body(label, recipient(1)).value().envelope.key, body_key(number));
-  }
-  EXPECT_EQ(current(envelopes.it), subject_of(1));
-  EXPECT_EQ(rekey(envelopes.it, 1), 0);
-  EXPECT_EQ(current(envelopes.it), subject_of(2));
-}
-
 TEST(Rekeying, TakesARecipientWithoutASerialNumber) {
   Label label;
   fill(label, "1.1");
@@ -108,20 +51,6 @@ TEST(Rekeying, TakesARecipientWithoutASerialNumber) {
     EXPECT_EQ(rekey(envelopes.it, 1), 0);
     EXPECT_EQ(from_head(each, to), (HeadEnvelope{to, text("SM2"), head_key(1)}));
   }
-}
-
-TEST(Rekeying, GivenUpEarlyLeavesTheListsAsTheyAre) {
-  const Label label = with_recipients("1.1.1", 3);
-  { const Enumerator envelopes(label); }
-  EXPECT_EQ(body_serials(label, "1.1.1"), (std::vector<Bytes>{{1}, {2}, {3}}));
-  EXPECT_TRUE(head_serials(label, "1.1.1").empty());
-  Room room;
-  EXPECT_EQ(GetDigitEnvlope(label, 0, &room.envelope, &room.privilege), 0);
-  EXPECT_EQ(room.taken().envelope.to, recipient(1));
-  { const Enumerator again(label); }
-  EXPECT_EQ(body_serials(label, "1.1.1"), (std::vector<Bytes>{{3}, {2}, {1}}));
-  ASSERT_EQ(add_to_body(label, {recipient(4)}), 0);
-  EXPECT_EQ(body_serials(label, "1.1.1"), (std::vector<Bytes>{{4}, {3}, {2}, {1}}));
 }
 
 TEST(Rekeying, NeedsEnvelopesAndItsPointers) {

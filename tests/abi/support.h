@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,21 +27,27 @@ inline bool is_60(std::string_view version) { return version == "6.0"; }
 inline bool is_multi_sign(std::string_view version) { return version == "1.1.2"; }
 inline bool is_aligned(std::string_view version) { return version.size() == 5; }
 
+// "1.1.2" as "112", for names.
+inline std::string digits_of(std::string_view version) {
+  std::string digits(version);
+  std::erase(digits, '.');
+  return digits;
+}
+inline std::string name_of(const testing::TestParamInfo<const char*>& version) {
+  return digits_of(version.param);
+}
+
 // Under memcheck a sample has to do.
 inline bool quick() { return std::getenv("TQLABEL_QUICK") != nullptr; }
 
-// Pairs of upper-case digits; anything else between them is skipped.
-inline Bytes hex(std::string_view digits) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  Bytes bytes(digits.size());
-  std::size_t halves = 0;
-  for (const char digit : digits) {
-    const std::size_t value = kDigits.find(digit);
-    if (value == std::string_view::npos) continue;
-    std::uint8_t& octet = bytes[halves++ / 2];
-    octet = static_cast<std::uint8_t>(octet * 16U + value);
+// Pairs of digits with spaces between them.
+inline Bytes hex(std::string_view text) {
+  std::string digits(text);
+  std::erase(digits, ' ');
+  Bytes bytes;
+  for (std::size_t i = 0; i < digits.size(); i += 2) {
+    bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
   }
-  bytes.resize(halves / 2);
   return bytes;
 }
 
@@ -52,14 +58,11 @@ inline Bytes join(Bytes left, const Bytes& right) {
 
 // One element, its length in the shortest form.
 inline Bytes tlv(std::uint8_t tag, const Bytes& content) {
-  const std::size_t length = content.size();
   std::size_t octets = 0;  // behind the first one of a long length
-  while (length >= 0x80 && octets < sizeof length && length >> (8 * octets) != 0) ++octets;
-  Bytes element(2 + octets);
-  element[0] = tag;
-  element[1] = static_cast<std::uint8_t>(octets == 0 ? length : 0x80 + octets);
-  for (std::size_t i = 0; i < octets; ++i) {
-    element[1 + octets - i] = static_cast<std::uint8_t>(length >> (8 * i));
+  while (content.size() >= 0x80 && content.size() >> (8 * octets) != 0) ++octets;
+  Bytes element = {tag, static_cast<std::uint8_t>(octets == 0 ? content.size() : 0x80 + octets)};
+  for (; octets != 0; --octets) {
+    element.push_back(static_cast<std::uint8_t>(content.size() >> (8 * (octets - 1))));
   }
   return join(std::move(element), content);
 }
@@ -76,23 +79,32 @@ inline Bytes pattern(std::size_t length, std::size_t seed = 1) {
   return bytes;
 }
 
+// How objects of C libraries are released by a unique_ptr.
+template <auto kFree>
+struct Free {
+  template <class T>
+  void operator()(T* object) const {
+    kFree(object);
+  }
+};
+
+// What an OpenSSL object is written as.
+template <class T>
+Bytes written_by(int (*write)(const T*, std::uint8_t**), const T* object) {
+  Bytes der(static_cast<std::size_t>(std::max(write(object, nullptr), 0)));
+  std::uint8_t* at = der.data();
+  EXPECT_EQ(write(object, &at), static_cast<int>(der.size()));
+  return der;
+}
+
 class Label {
  public:
   Label() : handle_(GetHandleLabel()) {}
   explicit Label(TqLabel handle) : handle_(handle) {}
-  Label(const Label&) = delete;
-  Label& operator=(const Label&) = delete;
-  Label(Label&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-  Label& operator=(Label&& other) noexcept {
-    std::swap(handle_, other.handle_);
-    return *this;
-  }
-  ~Label() { FreeHandleLabel(handle_); }
-
-  operator TqLabel() const { return handle_; }
+  operator TqLabel() const { return handle_.get(); }
 
  private:
-  TqLabel handle_;
+  std::unique_ptr<TqLabelHandle, Free<FreeHandleLabel>> handle_;
 };
 
 using Setter = std::int32_t (*)(TqLabel, const std::uint8_t*, std::uint32_t);
@@ -126,9 +138,8 @@ Bytes fetch(Call call) {
     EXPECT_EQ(short_by_one, size - 1);
     EXPECT_EQ(bytes, Bytes(size + 1, 0xEE));
   }
-  std::uint32_t exact = size;
-  EXPECT_EQ(call(bytes.data(), &exact), 0);
-  EXPECT_EQ(exact, size);
+  EXPECT_EQ(call(bytes.data(), &size), 0);
+  EXPECT_EQ(size + 1, bytes.size());
   EXPECT_EQ(bytes.back(), 0xEE) << "written past the length";
   bytes.pop_back();
   return bytes;
@@ -168,25 +179,21 @@ class Issuer {
     Bytes type;
     std::uint32_t tag;
     Bytes value;
+    bool operator==(const Attribute&) const = default;
   };
 
   explicit Issuer(const std::vector<Attribute>& attributes) {
     for (const Attribute& attribute : attributes) {
-      PJCertIssuerEntry entry{};
-      std::copy(attribute.type.begin(), attribute.type.end(), entry.type);
-      entry.typeLen = size32(attribute.type);
-      std::copy(attribute.value.begin(), attribute.value.end(), entry.value);
-      entry.valueLen = size32(attribute.value);
-      entry.valueTag = attribute.tag;
+      PJCertIssuerEntry entry{
+          {}, size32(attribute.type), {}, size32(attribute.value), attribute.tag};
+      std::ranges::copy(attribute.type, entry.type);
+      std::ranges::copy(attribute.value, entry.value);
       entries_.push_back(entry);
     }
     record_ = {entries_.data(), static_cast<std::uint32_t>(entries_.size()), 0};
   }
   Issuer(const Issuer&) = delete;
   Issuer& operator=(const Issuer&) = delete;
-  Issuer(Issuer&&) = delete;
-  Issuer& operator=(Issuer&&) = delete;
-  ~Issuer() = default;
 
   [[nodiscard]] const PJCertIssuer* get() const { return &record_; }
   PJCertIssuer& record() { return record_; }
@@ -206,9 +213,6 @@ inline std::vector<Issuer::Attribute> attributes_of(const PJCertIssuer* issuer) 
   }
   return attributes;
 }
-inline bool operator==(const Issuer::Attribute& left, const Issuer::Attribute& right) {
-  return left.type == right.type && left.tag == right.tag && left.value == right.value;
-}
 
 inline const Bytes kHeadCert = hex("30 08 02 01 05 04 03 0A 0B 0C");
 inline const Bytes kBodyCert = hex("30 04 02 02 01 07");
@@ -220,6 +224,12 @@ inline std::int32_t add_signer(TqLabel label, bool append, const char* name, Byt
   const SignAttribute signer{algorithm.data(), value.data(), size32(value), cert.data(),
                              size32(cert)};
   return SetBodySignAttr(label, append ? 1 : 0, &signer);
+}
+
+// An encoder around some encrypted body.
+template <auto kSeal>
+std::int32_t sealed(TqLabel label, std::uint8_t* buffer, std::uint32_t* length) {
+  return kSeal(label, kHeadCert.data(), 10, buffer, length);
 }
 
 // What a head cannot do without; the algorithms stay empty.
@@ -250,74 +260,57 @@ inline void fill_fields(TqLabel label, const char* version) {
   set(label, SetCustom, pattern(40));
   set(label, SetHeadSignValue, pattern(64, 2));
   if (!is_multi_sign(version)) set(label, SetBodySigVal, pattern(96, 3));
-  EXPECT_EQ(SetHeadCreateTime(label), 0);
-  EXPECT_EQ(SetHeadModifyTime(label, 1700000000), 0);
-  EXPECT_EQ(GLSetFileType(label, 7), 0);
-  EXPECT_EQ(SetFileSecc(label, 3), 0);
-  EXPECT_EQ(GLSetFileSize(label, 0xFFFFFFFF), 0);
   set(label, SetFileName, text("plan.txt"));
   set(label, GLSetFileTitle, text("The plan"));
-  EXPECT_EQ(SetModifyTime(label, 1600000000), 0);
-  EXPECT_EQ(SetExpired(label, 1900000000), 0);
-  EXPECT_EQ(SetDestroyTime(label, 253402300799), 0);  // the last second of the year 9999
-  EXPECT_EQ(GLSetFileNo(label, "No. 1"), 0);
+  EXPECT_EQ(SetHeadCreateTime(label) | SetHeadModifyTime(label, 1700000000), 0);
+  EXPECT_EQ(SetModifyTime(label, 1600000000) | SetExpired(label, 1900000000), 0);
+  EXPECT_EQ(SetDestroyTime(label, 253402300799), 0);  // the end of the year 9999
+  EXPECT_EQ(GLSetFileType(label, 7) | SetFileSecc(label, 3) | GLSetFileSize(label, ~0U), 0);
   EXPECT_EQ(SetFileAlignSize(label, 4096), is_aligned(version) ? 0 : -1);
-  EXPECT_EQ(SetFileUnEffectSize(label, 17), 0);
-  EXPECT_EQ(SetLabelAlignSize(label, 512), 0);
-  EXPECT_EQ(SetLabelPadSize(label, 5), 0);
+  EXPECT_EQ(SetFileUnEffectSize(label, 17) | SetLabelAlignSize(label, 512), 0);
+  EXPECT_EQ(SetLabelPadSize(label, 5) | GLSetFileNo(label, "No. 1"), 0);
 }
 
 // On top of the fields every record and every list, with two entries where two fit.
 inline void fill_records(TqLabel label, const char* version) {
   fill_fields(label, version);
-  Bytes name = text("stamp");
-  Bytes cert = kHeadCert;
-  Bytes bits = pattern(8);
+  Bytes cert = kHeadCert;  // of 10 octets
+  Bytes bits = pattern(16);
   Bytes words = text("words");
+  Bytes sm2 = text("SM2");
   std::string said = "said";
   for (std::uint8_t i = 2; i-- > 0;) {  // lists grow at the front
     Issuer issuer({{kCommonName, 19, text(i == 0 ? "A" : "B")}});
-    std::uint8_t serial = i;
-    Bytes key = pattern(16, i);
-    Bytes sm2 = text("SM2");
-    const EnvelopeInfo envelope{sm2.data(), 3, &serial, 1, key.data(), 16, &issuer.record()};
+    std::uint8_t number[] = {1, i};
+    const EnvelopeInfo envelope{sm2.data(),      3,  &number[1],      1,
+                                bits.data() + i, 15, &issuer.record()};
     PrivilegeEntry entries[2];
     std::memset(entries, 0, sizeof entries);  // the padding is read with the type
     entries[0].type = 6;
-    entries[0].value = 7;
-    entries[1].type = 4;
     entries[1].value = 5;
-    const PrivilegeInfo privilege{cert.data(), size32(cert), 1,  10, 20,     0, 1,
-                                  0,           30,           40, 2,  entries};
+    const PrivilegeInfo privilege{cert.data(), 10, 1, 10, 20, 0, 1, 0, 30, 40, 2, entries};
     const std::int32_t taken = is_60(version) ? -1 : 0;
     EXPECT_EQ(AddEnvelopeToHead(label, &envelope), taken);
     EXPECT_EQ(ADDigitEnvlopeToBody(label, &envelope, &privilege), taken);
-    std::uint8_t number[] = {1, i};
     const LogInfo log{i, words.data(), 5, &issuer.record(), number, 2, number,
                       2, 1500000000,   3, words.data(),     5};
-    EXPECT_EQ(AddLog(label, &log), 0);
-    EXPECT_EQ(AddExtendValue(label, i, key.data(), 16), 0);
+    EXPECT_EQ(AddLog(label, &log) | AddExtendValue(label, i, bits.data(), 16), 0);
   }
-  const WaterMark mark{bits.data(), 8, name.data(), 5, 1, 2, said.data(), 0, 1400000000};
-  EXPECT_EQ(SetWaterMarkInfo(label, &mark), 0);
-  const Meta meta{cert.data(),
-                  static_cast<std::uint8_t>(cert.size()),
-                  1,
-                  words.data(),
-                  5,
-                  2,
-                  3,
-                  words.data(),
-                  5};
-  const Seal seal{name.data(), 5,           meta,         9,           bits.data(),
-                  8,           cert.data(), size32(cert), bits.data(), 8};
+  const WaterMark mark{bits.data(), 8, words.data(), 5, 1, 2, said.data(), 0, 1400000000};
+  const Meta meta{cert.data(), 10, 1, words.data(), 5, 2, 3, words.data(), 5};
+  const Seal seal{words.data(), 5, meta, 9, bits.data(), 8, cert.data(), 10, bits.data(), 8};
   const Stamp stamp{said.data(), 0, {1, 2, 3, 4}, said.data(), 0, 1300000000, bits.data(), 8};
-  const StampRecord record{name.data(), 5, seal, stamp, bits.data(), 8};
-  EXPECT_EQ(SetStampInfo(label, &record), 0);
-  FingerEntry fingers[] = {{cert.data(), size32(cert), {0, 1, 0, 1, 0, 1, 0, 1, 0}},
-                           {cert.data(), size32(cert), {0, 0, 0, 0, 0, 0, 0, 0, 0}}};
+  const StampRecord record{words.data(), 5, seal, stamp, bits.data(), 8};
+  EXPECT_EQ(SetWaterMarkInfo(label, &mark) | SetStampInfo(label, &record), 0);
+  FingerEntry fingers[] = {{cert.data(), 10, {0, 1, 0, 1, 0, 1, 0, 1, 0}}, {cert.data(), 10, {}}};
   const Finger finger{bits.data(), 8, bits.data(), 8, bits.data(), 8, 5, {2, fingers}};
   EXPECT_EQ(SetFingerPrintInfo(label, &finger), 0);
+}
+
+inline Label full_label(const char* version) {
+  Label label;
+  fill_records(label, version);
+  return label;
 }
 
 // An element of an encoded label.
@@ -329,45 +322,41 @@ struct Element {
 
   [[nodiscard]] bool constructed() const { return (tag & 0x20) != 0; }
   [[nodiscard]] Bytes der() const {
-    if (!constructed()) return tlv(tag, content);
-    Bytes inner;
+    Bytes inner = content;
     for (const Element& child : children) inner = join(std::move(inner), child.der());
     return tlv(tag, inner);
   }
 };
 
 // Splits elements down to the primitive ones; each constructed one must be filled exactly.
-inline std::vector<Element> split(const std::uint8_t* der, std::size_t size,
-                                  std::size_t offset = 0) {
+inline std::vector<Element> split(const std::uint8_t* start, const std::uint8_t* at,
+                                  const std::uint8_t* end) {
   std::vector<Element> elements;
-  const std::uint8_t* at = der;
-  while (at < der + size) {
+  while (at < end) {
     const std::uint8_t* content = at;
     long length = 0;
     int tag = 0;
     int form = 0;
-    const int kind = ASN1_get_object(&content, &length, &tag, &form, der + size - at);
-    if ((kind & 0x81) != 0) {  // malformed, or of indefinite length
-      ADD_FAILURE() << "not DER at offset " << offset + static_cast<std::size_t>(at - der);
+    if ((ASN1_get_object(&content, &length, &tag, &form, end - at) & 0x81) != 0) {
+      ADD_FAILURE() << "malformed, or of indefinite length";
       return {};
     }
-    Element element{*at, {}, {}, offset + static_cast<std::size_t>(at - der)};
-    const auto inside = static_cast<std::size_t>(length);
+    Element element{*at, {}, {}, static_cast<std::size_t>(at - start)};
+    at = content + length;
     if (element.constructed()) {
-      element.children = split(content, inside, offset + static_cast<std::size_t>(content - der));
+      element.children = split(start, content, at);
     } else {
-      element.content.assign(content, content + inside);
+      element.content.assign(content, at);
     }
     elements.push_back(std::move(element));
-    at = content + inside;
   }
   return elements;
 }
 
 inline Element parse(const Bytes& der) {
-  std::vector<Element> elements = split(der.data(), der.size());
+  const std::vector<Element> elements = split(der.data(), der.data(), der.data() + der.size());
   EXPECT_EQ(elements.size(), 1U);
-  return elements.empty() ? Element{} : std::move(elements.front());
+  return elements.empty() ? Element{} : elements.front();
 }
 
 }  // namespace tq::abi

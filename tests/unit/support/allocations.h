@@ -30,8 +30,6 @@ class FailNth {
   explicit FailNth(std::size_t n);
   FailNth(const FailNth&) = delete;
   FailNth& operator=(const FailNth&) = delete;
-  FailNth(FailNth&&) = delete;
-  FailNth& operator=(FailNth&&) = delete;
   ~FailNth();
 
   [[nodiscard]] bool happened() const;

@@ -51,14 +51,11 @@ Bytes concat(const Parts&... parts) {
 }
 
 inline Bytes header(std::uint8_t tag, std::size_t length) {
-  std::uint8_t octets[2 + sizeof length] = {tag};
-  std::size_t count = 0;  // of the octets behind the one that counts them
-  while (length >= 0x80 && count < sizeof length && length >> (8 * count) != 0) ++count;
-  octets[1] = static_cast<std::uint8_t>(count == 0 ? length : 0x80 + count);
-  for (std::size_t i = 0; i < count; ++i) {
-    octets[1 + count - i] = static_cast<std::uint8_t>(length >> (8 * i));
-  }
-  return {octets, octets + 2 + count};
+  if (length < 0x80) return {tag, static_cast<std::uint8_t>(length)};
+  Bytes octets;
+  for (; length != 0; length >>= 8)
+    octets.insert(octets.begin(), static_cast<std::uint8_t>(length));
+  return concat(Bytes{tag, static_cast<std::uint8_t>(0x80 + octets.size())}, octets);
 }
 
 inline Bytes tlv(std::uint8_t tag, const Bytes& content) {
@@ -79,9 +76,6 @@ struct Pinned {
   Pinned() = default;
   Pinned(const Pinned&) = delete;
   Pinned& operator=(const Pinned&) = delete;
-  Pinned(Pinned&&) = delete;
-  Pinned& operator=(Pinned&&) = delete;
-  ~Pinned() = default;
 };
 
 // Bytes with a node around them, as a caller hands them in.

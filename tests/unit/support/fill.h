@@ -3,7 +3,8 @@
 
 // Fills records at random with what their labels may hold.
 
-#include <cstring>
+#include <gtest/gtest.h>
+
 #include <random>
 #include <span>
 
@@ -13,17 +14,9 @@ namespace tq::test {
 
 // A field with a block of its own.
 inline ANYBUF owned(const Bytes& bytes, std::uint32_t type) {
-  ANYBUF field{nullptr, static_cast<std::uint32_t>(bytes.size()), 0, ASN1_FORM_OWNED, type, nullptr,
-               nullptr};
-  if (bytes.empty()) return field;
-  field.data = static_cast<std::uint8_t*>(Asn1Malloc(bytes.size()));
-  std::memcpy(field.data, bytes.data(), bytes.size());
+  ANYBUF field{};
+  EXPECT_TRUE(replace(field, bytes.data(), bytes.size(), type));
   return field;
-}
-
-inline Bytes little_endian(std::size_t value) {
-  return {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8),
-          static_cast<std::uint8_t>(value >> 16), static_cast<std::uint8_t>(value >> 24)};
 }
 
 inline const Bytes kIdentityWrapping = hex("60 86 48 01 86 FD 1E 01 05 01");
@@ -86,11 +79,10 @@ class Fill {
         sign.algorithm = owned({}, der::kObjectId);
         sign.certificate = owned(octets(), der::kOctetString);
         return;
-      case 1: {
+      case 1:
         sign.algorithm = owned(kIdentitySignatureAlgorithm, der::kObjectId);
         sign.certificate = owned(concat(prefixed(), prefixed(), octets()), der::kOctetString);
         return;
-      }
       default:
         sign.algorithm = owned(tlv(1, octets()), der::kObjectId);
         sign.certificate = owned(tlv(der::kSequence, tlv(der::kOctetString, octets())), 16);
@@ -129,7 +121,10 @@ class Fill {
   Bytes octets() { return some(length()); }
   Bytes prefixed() {
     const Bytes bytes = octets();
-    return concat(little_endian(bytes.size()), bytes);
+    const std::size_t size = bytes.size();
+    return concat(Bytes{static_cast<std::uint8_t>(size), static_cast<std::uint8_t>(size >> 8),
+                        static_cast<std::uint8_t>(size >> 16), 0},
+                  bytes);
   }
   template <class Record>
   static Record* nodes(std::size_t count) {

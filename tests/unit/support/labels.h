@@ -48,24 +48,30 @@ inline TqLabelHandle label_of(const Version& version) {
 inline Scope scope_of(const Version& version) { return tq::scope_of(label_of(version)); }
 
 // A whole label filled at random, which is released with its scope.
-class RandomLabel : Pinned {
- public:
-  RandomLabel(const Version& version, std::uint32_t seed, Lengths lengths = Lengths::kEdges)
-      : label_(label_of(version)) {
-    const Scope scope = tq::scope_of(label_);
-    walk(kLabel, label_, scope, Fill(lengths, seed, scope));
+struct RandomLabel : Pinned {
+  TqLabelHandle label;
+
+  RandomLabel(const Version& version, std::uint32_t seed) : label(label_of(version)) {
+    const Scope scope = tq::scope_of(label);
+    walk(kLabel, label, scope, Fill(Lengths::kEdges, seed, scope));
   }
   ~RandomLabel() {
-    FreeHead(&label_.head);
-    FreeBody(&label_.body);
-    FreeANYBUF(&label_.pad);
+    FreeHead(&label.head);
+    FreeBody(&label.body);
+    FreeANYBUF(&label.pad);
   }
+};
 
-  TqLabelHandle* operator->() { return &label_; }
-  TqLabelHandle* get() { return &label_; }
+// A letter for each element, and the elements of a word.
+struct Alphabet {
+  std::string_view letters;
+  std::vector<Bytes> elements;
 
- private:
-  TqLabelHandle label_;
+  [[nodiscard]] Bytes spell(std::string_view word) const {
+    Bytes bytes;
+    for (const char letter : word) bytes = concat(bytes, elements.at(letters.find(letter)));
+    return bytes;
+  }
 };
 
 // What an encoder puts in its slot: nothing after a failure, no bytes where it leaves it empty.
@@ -78,17 +84,6 @@ std::optional<Bytes> encoded(Encoder encoder, Arguments... arguments) {
   }
   const Node node(slot);
   return node ? bytes_of(node.get()) : Bytes{};
-}
-
-// What an entry point writes to a buffer of exactly the size that it asks for.
-template <class Encoder, class... Arguments>
-std::optional<Bytes> written(Encoder encoder, Arguments... arguments) {
-  std::uint32_t length = 0;
-  if (encoder(arguments..., nullptr, &length) != 0) return std::nullopt;
-  Bytes bytes(length);
-  if (encoder(arguments..., bytes.data(), &length) != 0) return std::nullopt;
-  EXPECT_EQ(length, bytes.size());
-  return bytes;
 }
 
 // Whether a decoder takes the bytes, which end where their block ends.

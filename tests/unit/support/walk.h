@@ -20,24 +20,10 @@ namespace tq::test {
 
 inline const Bytes kEmail = hex("2A 86 48 86 F7 0D 01 09 01");
 
-// A schema as a parameter of typed tests, and its name.
+// A schema as a parameter of typed tests.
 template <const auto& S>
 struct Of {
   using Schema = std::remove_cvref_t<decltype(S)>;
-  // "... [with const auto& S = tq::kName; ...]" or "... [S = kName]"
-  static std::string name() {
-    std::string_view text = __PRETTY_FUNCTION__;
-    text.remove_prefix(text.find("S = ") + 4);
-    text = text.substr(0, text.find_first_of(";]"));
-    return std::string(text.substr(text.find_last_of(":&") + 1));
-  }
-};
-
-struct SchemaNames {
-  template <class T>
-  static std::string GetName(int /*index*/) {
-    return T::name();
-  }
 };
 
 // A visitor has an overload of value() for each kind of value, and members of its own for what it
@@ -72,11 +58,7 @@ class Walk {
   }
   template <Condition Holds, class First, class Second, class R>
   void operator()(Either<Holds, First, Second> /*field*/, R& record) {
-    if (Holds(scope_)) {
-      (*this)(First{}, record);
-    } else {
-      (*this)(Second{}, record);
-    }
+    Holds(scope_) ? (*this)(First{}, record) : (*this)(Second{}, record);
   }
   template <der::Tag Tag, class Inner, class R>
   void operator()(Marking<Tag, Inner> /*marking*/, R& record) {
@@ -132,37 +114,6 @@ V walk(S schema, typename S::Record& record, const Scope& scope, V visitor) {
   return visitor;
 }
 
-// What a record holds: the fields that own bytes, those that borrow them, the blobs that are made
-// for identity-based values, and the entries that have a block of their own.
-struct Census {
-  std::size_t owned = 0;
-  std::size_t borrowed = 0;
-  std::size_t blobs = 0;
-  std::size_t entries = 0;
-
-  template <class Number>
-  void value(const Number& /*number*/) {}
-  void value(const ANYBUF& field) {
-    if (field.data != nullptr) ++(field.form == ASN1_FORM_OWNED ? owned : borrowed);
-  }
-  template <class Record>
-  void list(const Record* first) {
-    for (; first != nullptr; first = first->next) ++entries;
-  }
-  void certificate(const Sign& sign) {
-    value(sign.certificate);
-    if (is_identity_signature(sign.algorithm)) ++blobs;
-  }
-  void key(const ENVELOPE& envelope) {
-    value(envelope.encryptedKey);
-    // In "6.0" a name that reads like the identifier is no reason for a blob.
-    if (is_identity_wrapping(envelope.algorithm) && envelope.encryptedKey.type == 0 &&
-        envelope.encryptedKey.data != nullptr) {
-      ++blobs;
-    }
-  }
-};
-
 // Everything that a record says, in the order of its fields.
 struct Digest {
   Bytes bytes;
@@ -186,31 +137,6 @@ struct Digest {
   void add(const void* from, std::size_t length) {
     const auto* first = static_cast<const std::uint8_t*>(from);
     bytes.insert(bytes.end(), first, first + length);
-  }
-};
-
-// Whether a record holds what its reader takes and its writer refuses.
-struct Refusals {
-  bool found = false;
-
-  template <class Value>
-  void value(const Value& /*value*/) {}
-  void raw(const ANYBUF& field, RawRule rule, bool (* /*accepts*/)(der::Octet)) {
-    if (rule == RawRule::kLenient && field.length == 0) found = true;  // it was another element
-  }
-  void attribute(const X509Name& attribute) {
-    constexpr std::string_view kLastOctets = "\3\6\7\10\12\13";
-    const ANYBUF& type = attribute.type;
-    if (equal_bytes(type, kEmail.data(), kEmail.size())) return;
-    if (type.length != 3 || kLastOctets.find(static_cast<char>(type.data[2])) == kLastOctets.npos) {
-      found = true;
-    }
-  }
-  void certificate(const Sign& sign) {
-    if (sign.algorithm.length != 0 && sign.certificate.length == 0) found = true;
-  }
-  void key(const ENVELOPE& envelope) {  // blobs are tested for themselves
-    if (is_identity_wrapping(envelope.algorithm)) found = true;
   }
 };
 

@@ -1,4 +1,6 @@
-// Who may open a file: asked from encoded bytes, taken away, and counted.
+// Who may open a file: asked from encoded bytes, taken away, and until when.
+
+#include <ctime>
 
 #include "abi/records.h"
 
@@ -127,92 +129,6 @@ TEST(HavePrivilege, FailsForBytesThatAreNoLabel) {
   }
 }
 
-TEST(DelPrivilegeFromLabel, RemovesTheRecipientFromBothLists) {
-  for (const char* version : kFamily) {
-    SCOPED_TRACE(version);
-    Label label;
-    fill(label, version);
-    for (const std::uint8_t serial : Bytes{1, 2, 3, 4}) {
-      ASSERT_EQ(add_to_head(label, {recipient(serial)}), 0);
-      ASSERT_EQ(add_to_body(label, {recipient(serial)}), 0);
-    }
-    // The middle, the end, the front, the only one.
-    std::vector<Bytes> left = {{4}, {3}, {2}, {1}};
-    for (const std::uint8_t serial : Bytes{2, 1, 4, 3}) {
-      EXPECT_EQ(remove(label, recipient(serial)), 0);
-      std::erase(left, Bytes{serial});
-      EXPECT_EQ(head_serials(label, version), left);
-      EXPECT_EQ(body_serials(label, version), left);
-      EXPECT_EQ(remove(label, recipient(serial)), -1) << "removed already";
-    }
-  }
-}
-
-TEST(DelPrivilegeFromLabel, LooksInTheHeadFirst) {
-  for (const char* version : kFamily) {
-    Label label;
-    fill(label, version);
-    const std::uint8_t serial = 1;
-    const Issuer issuer(recipient(1).issuer);
-    ASSERT_EQ(add_to_body(label, {recipient(1)}), 0);
-    ASSERT_EQ(add_to_head(label, {recipient(2)}), 0);
-    const Bytes before = encode(label);
-    EXPECT_EQ(remove(label, recipient(1)), -1) << "in the body only";
-    EXPECT_EQ(remove(label, recipient(2, "other")), -1);
-    EXPECT_EQ(DelPrivilegeFromLabel(nullptr, &serial, 1, issuer.get()), -1);
-    EXPECT_EQ(DelPrivilegeFromLabel(label, nullptr, 1, issuer.get()), -1);
-    EXPECT_EQ(DelPrivilegeFromLabel(label, &serial, 1, nullptr), -1);
-    EXPECT_EQ(encode(label), before);
-    EXPECT_EQ(remove(label, recipient(2)), -1) << "in the head only";
-    EXPECT_TRUE(head_serials(label, version).empty());
-    EXPECT_EQ(body_serials(label, version), (std::vector<Bytes>{{1}}));
-  }
-}
-
-TEST(DelPrivilegeFromLabel, TakesTheFirstMatchOfEachList) {
-  Label label;
-  fill(label, "1.1");
-  for (const char* name : {"A", "B"}) ASSERT_EQ(add_to_head(label, {recipient(1, name)}), 0);
-  for (const char* name : {"B", "A"}) ASSERT_EQ(add_to_body(label, {recipient(1, name)}), 0);
-  EXPECT_EQ(remove(label, {{1}, {{kCountry, 19, text("CN")}}}), 0);
-  EXPECT_TRUE(from_head(label, recipient(1, "A")));
-  EXPECT_FALSE(from_head(label, recipient(1, "B")));
-  EXPECT_TRUE(from_body(label, recipient(1, "B")));
-  EXPECT_FALSE(from_body(label, recipient(1, "A")));
-}
-
-TEST(ReadCounts, ReplaceTheCountOfOneRecipient) {
-  for (const char* version : kFamily) {
-    Label label;
-    fill(label, version);
-    for (const std::uint8_t serial : Bytes{1, 2, 3}) {
-      ASSERT_EQ(add_to_body(label, {recipient(serial)}), 0);
-      ASSERT_EQ(add_to_head(label, {recipient(serial)}), 0);
-    }
-    for (const std::uint32_t count : {0U, UINT32_MAX, 0U, 7U}) {
-      EXPECT_EQ(count_reads(label, recipient(2), count), 0);
-      const Label decoded = decode(encode(label));
-      ASSERT_TRUE(decoded);
-      for (const TqLabel each : {TqLabel{label}, TqLabel{decoded}}) {
-        Privileges expected;
-        EXPECT_EQ(from_body(each, recipient(1)).value().privileges, expected);
-        EXPECT_EQ(from_body(each, recipient(3)).value().privileges, expected);
-        expected.numbers[1] = count;
-        EXPECT_EQ(from_body(each, recipient(2)).value().privileges, expected);
-      }
-    }
-    const Bytes before = encode(label);
-    const std::uint8_t serial = 2;
-    const Issuer issuer(recipient(2).issuer);
-    EXPECT_EQ(count_reads(label, recipient(4), 1), -1);
-    EXPECT_EQ(count_reads(label, recipient(2, "other"), 1), -1);
-    EXPECT_EQ(SetAlreadyReadCountsToLabel(nullptr, &serial, 1, issuer.get(), 1), -1);
-    EXPECT_EQ(SetAlreadyReadCountsToLabel(label, nullptr, 1, issuer.get(), 1), -1);
-    EXPECT_EQ(SetAlreadyReadCountsToLabel(label, &serial, 1, nullptr, 1), -1);
-    EXPECT_EQ(encode(label), before);
-  }
-}
-
 TEST(Privileges, AreNotEditedOutsideThe11Family) {
   const Bytes der = label_60_with_envelopes(2);
   Label decoded = decode(der);
@@ -225,6 +141,87 @@ TEST(Privileges, AreNotEditedOutsideThe11Family) {
     EXPECT_EQ(count_reads(label, {{1}, {}}, 9), -1);
   }
   EXPECT_EQ(encode(decoded), der);
+}
+
+std::uint64_t present() { return static_cast<std::uint64_t>(std::time(nullptr)); }
+
+// Runs until it has kept within one second.
+template <class Within>
+void within_a_second(Within run) {
+  for (int tries = 0; tries < 100; ++tries) {
+    const std::uint64_t now = present();
+    const testing::AssertionResult result = run(now);
+    if (present() != now) continue;
+    EXPECT_TRUE(result);
+    return;
+  }
+  FAIL() << "no run took less than a second";
+}
+
+enum class Deadline { kExpiry, kAbolition, kDestruction };
+
+Label with_deadline(Deadline which, std::uint64_t time) {
+  Label label;
+  ContentAttrInfo content{};
+  content.expiryTime = which == Deadline::kExpiry ? time : 0;
+  content.abolishTime = which == Deadline::kAbolition ? time : 0;
+  content.destroyTime = which == Deadline::kDestruction ? time : 0;
+  EXPECT_EQ(SetContentAtrr(label, &content), 0);
+  return label;
+}
+
+TEST(Dates, PassASecondAfterTheDeadlineAndOnlyWhereItCounts) {
+  constexpr std::uint64_t kNever = 0;
+  const std::pair<std::uint64_t, bool> fixed[] = {{kNever, false},
+                                                  {1, true},
+                                                  {1U << 31U, false},
+                                                  {std::uint64_t{1} << 63U, false},
+                                                  {UINT64_MAX, false}};
+  const std::pair<std::int64_t, bool> relative[] = {{-86400, true}, {-2, true}, {-1, true},
+                                                    {0, false},     {1, false}, {86400, false}};
+  for (const Deadline which : {Deadline::kExpiry, Deadline::kAbolition, Deadline::kDestruction}) {
+    const auto agrees = [&](std::uint64_t time, bool passed) {
+      const Label label = with_deadline(which, time);
+      const std::int32_t due = passed ? -1 : 0;
+      const bool destruction = which == Deadline::kDestruction;
+      return CheckLabelDate(label) == (destruction ? 0 : due) &&
+             CheckAbolishDate(label) == (which == Deadline::kAbolition ? due : 0) &&
+             CheckDestroyDate(label) == (destruction ? due : 0);
+    };
+    const int number = static_cast<int>(which);
+    for (const auto& [time, passed] : fixed) {
+      EXPECT_TRUE(agrees(time, passed)) << number << ": " << time;
+    }
+    for (const auto& [offset, passed] : relative) {
+      within_a_second([&, &by = offset, &is = passed](std::uint64_t now) {
+        const std::uint64_t time = now + static_cast<std::uint64_t>(by);
+        return (agrees(time, is) ? testing::AssertionSuccess() : testing::AssertionFailure())
+               << number << ": " << by << " s from now";
+      });
+    }
+  }
+}
+
+TEST(Dates, EndAtOnceWhenTheFileIsAbolished) {
+  for (const char* version : kVersions) {
+    for (const std::uint64_t destroy : {std::uint64_t{0}, std::uint64_t{1}}) {
+      Label label;
+      fill(label, version);
+      ASSERT_EQ(SetDestroyTime(label, destroy), 0);
+      within_a_second([&](std::uint64_t now) {
+        std::uint64_t time = 0;
+        const bool set = AbolishSF(label) == 0 && GetAbolishTime(label, &time) == 0;
+        return set && time == now - 1 ? testing::AssertionSuccess() : testing::AssertionFailure();
+      });
+      const Label decoded = decode(encode(label));
+      ASSERT_TRUE(decoded);
+      for (const TqLabel each : {TqLabel{label}, TqLabel{decoded}}) {
+        EXPECT_EQ(CheckAbolishDate(each), -1);
+        EXPECT_EQ(CheckLabelDate(each), -1);
+        EXPECT_EQ(CheckDestroyDate(each), destroy == 0 ? 0 : -1);
+      }
+    }
+  }
 }
 
 }  // namespace
