@@ -1,4 +1,4 @@
-// Log entries: the list, its odd deletion, and texts too long for their copy.
+// Log entries and extension values: their lists, odd deletions, and texts too long for their copy.
 
 #include "abi/records.h"
 
@@ -16,6 +16,12 @@ Label with_logs(const char* version, std::uint32_t count) {
   for (std::uint32_t i = 1; i <= count; ++i) EXPECT_EQ(add_log(label, numbered(i)), 0);
   return label;
 }
+std::uint32_t log_count(TqLabel label) {
+  std::uint32_t count = 0;
+  EXPECT_EQ(GetLogCout(label, &count), 0);
+  return count;
+}
+
 TEST(Logs, OfMoreThan255BytesAreReadBackInPart) {
   for (const std::uint32_t length : {256U, 257U, 300U, 511U, 512U, 70000U}) {
     SCOPED_TRACE(length);
@@ -36,6 +42,45 @@ TEST(Logs, OfMoreThan255BytesAreReadBackInPart) {
       EXPECT_EQ(log_at(each, 0), log);
     }
   }
+}
+
+// Position 0 stands for all entries; any other is removed and -1 returned all the same.
+TEST(Logs, AreDeletedAllAtOnceOrOneWithoutThanks) {
+  const Label label = with_logs("1.1", 3);
+  EXPECT_EQ(DelLog(label, 3), -1);
+  EXPECT_EQ(DelLog(label, -1), -1);
+  EXPECT_EQ(log_count(label), 3U);
+  EXPECT_EQ(DelLog(label, 1), -1);
+  EXPECT_EQ(log_count(label), 2U);
+  EXPECT_EQ(log_at(label, 0)->number, 3U) << "the newest stays";
+  EXPECT_EQ(log_at(label, 1)->number, 1U);
+  EXPECT_EQ(DelLog(label, 0), 0);
+  EXPECT_EQ(log_count(label), 0U);
+  EXPECT_EQ(DelLog(label, 0), -1);
+  EXPECT_EQ(DelAlLog(label), 0);
+}
+
+// The getters of extension values ask for no capacity; deleting compares 16 bits of the type.
+TEST(Extensions, AreFoundByTheWholeTypeAndDeletedByHalfOfIt) {
+  const Label label;
+  const Bytes wide = text("wide");
+  const Bytes narrow = text("narrow");
+  for (const auto& [type, value] : {std::pair{65543U, wide}, std::pair{7U, narrow}}) {
+    EXPECT_EQ(AddExtendValue(label, type, value.data(), size32(value)), 0);
+  }
+  Bytes room(8, 0xEE);
+  std::uint32_t length = 1;
+  std::uint32_t type = 0;
+  EXPECT_EQ(GetExtendValue(label, 65543, room.data(), &length), 0);
+  EXPECT_EQ(Bytes(room.begin(), room.begin() + length), wide);
+  length = 0;
+  EXPECT_EQ(GetExtend(label, 0, &type, room.data(), &length), 0);
+  EXPECT_EQ(type, 7U);
+  EXPECT_EQ(Bytes(room.begin(), room.begin() + length), narrow);
+  EXPECT_EQ(DelExtendAttr(label, 65543), 0) << "takes the one of type 7";
+  EXPECT_EQ(GetExtendValue(label, 7, nullptr, &length), -1);
+  EXPECT_EQ(DelExtendAttr(label, 65543), -1);
+  EXPECT_EQ(GetExtendValue(label, 65543, nullptr, &length), 0);
 }
 
 TEST(Logs, HaveAnIssuerOfOneToTenAttributes) {

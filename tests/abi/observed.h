@@ -46,6 +46,20 @@ inline void observe_records(TqLabel label, Model& seen) {
   EXPECT_EQ(creator.str1Len, sizes.fileNoLen);
   EXPECT_EQ(creator.str2Len, sizes.creatorStr2Len);
   seen.creator_time = creator.time;
+  Bytes name(UINT8_MAX + 1);
+  Bytes title(UINT8_MAX + 1);
+  ContentAttrInfo content{};
+  content.fileName = name.data();
+  content.fileTitle = title.data();
+  std::uint64_t expiry = 0;
+  std::uint32_t size = 0;
+  EXPECT_EQ(GetContentAtrr(label, &content), 0);
+  EXPECT_EQ(Bytes(name.begin(), name.begin() + content.fileNameLen), seen.bytes[kName]);
+  EXPECT_EQ(Bytes(title.begin(), title.begin() + content.fileTitleLen), seen.bytes[kTitle]);
+  EXPECT_EQ(GetExpired(label, &expiry), 0);
+  EXPECT_EQ(GLGetFileSize(label, &size), 0);
+  EXPECT_EQ(content.expiryTime, expiry);
+  EXPECT_EQ(content.fileSize, size);
   WaterMark* mark = nullptr;
   StampRecord* stamp = nullptr;
   Finger* finger = nullptr;
@@ -234,6 +248,11 @@ inline void check_body_envelopes(TqLabel label, Model& model) {
                                       Issuer(each.person.issuer).get(), buffer, length);
     };
     EXPECT_EQ(fetch(subject), found->subject);
+    void* previous = &room;
+    EXPECT_EQ(HaveTheEnvelopeFromBEnv(label, each.person.serial.data(), size32(each.person.serial),
+                                      Issuer(each.person.issuer).get(), &previous),
+              1);
+    EXPECT_EQ(previous == nullptr, found == list.begin());
   }
 }
 

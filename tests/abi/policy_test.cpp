@@ -143,6 +143,20 @@ TEST(Privileges, AreNotEditedOutsideThe11Family) {
   EXPECT_EQ(encode(decoded), der);
 }
 
+TEST(Privileges, TakeTheLow8BitsOfASerialLength) {
+  Label label;
+  fill(label, "1.1");
+  ASSERT_EQ(add_to_head(label, {recipient(1)}), 0);
+  ASSERT_EQ(add_to_body(label, {recipient(1)}), 0);
+  const std::uint8_t serial = 1;
+  const Issuer issuer(recipient(1).issuer);
+  std::uint32_t length = 0;
+  EXPECT_EQ(GetCertByIssuerAndSerial(label, &serial, 0x12345601, issuer.get(), nullptr, &length),
+            0);
+  EXPECT_EQ(SetAlreadyReadCountsToLabel(label, &serial, 0x12345601, issuer.get(), 7), 0);
+  EXPECT_EQ(DelPrivilegeFromLabel(label, &serial, 0x12345601, issuer.get()), 0);
+}
+
 std::uint64_t present() { return static_cast<std::uint64_t>(std::time(nullptr)); }
 
 // Runs until it has kept within one second.

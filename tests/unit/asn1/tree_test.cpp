@@ -22,9 +22,8 @@ ANYBUF* chain_of(const std::vector<Bytes>& elements) {
 }
 
 ANYBUF* sequence_of(ANYBUF* children) {
-  ANYBUF* made = nullptr;
-  EXPECT_EQ(QZAsn1SetSequence(children, &made), 0);
-  return made;
+  EXPECT_EQ(QZAsn1SetSequence(children, &children), 0);
+  return children;
 }
 
 Bytes encoded(const ANYBUF* element) {
@@ -33,12 +32,9 @@ Bytes encoded(const ANYBUF* element) {
   return copy != nullptr ? bytes_of(Node(copy).get()) : Bytes{};
 }
 
-class Tree : public ::testing::Test {
- protected:
-  void TearDown() override { EXPECT_TRUE(no_leaks_.hold()); }
-
- private:
-  NoLeaks no_leaks_;
+struct Tree : ::testing::Test {
+  ~Tree() override { EXPECT_TRUE(no_leaks.hold()); }
+  NoLeaks no_leaks;
 };
 
 TEST_F(Tree, EncodesShapesOfAllKindsAndStaysAsItIs) {
@@ -132,8 +128,6 @@ TEST_F(Tree, RefusesSumsAboveThirtyTwoBits) {
   ANYBUF* made = nullptr;
   const Node refused(views_of(block, 1023, views_of(too_long, 1, nullptr)));
   EXPECT_EQ(QZAsn1SetSequence(refused.get(), &made), -1);
-  const Node twice(views_of(block, 2048, nullptr));
-  EXPECT_EQ(QZAsn1SetSet(twice.get(), &made), -1);
   const Node largest(sequence_of(views_of(block, 1023, views_of(last, 1, nullptr))));
   EXPECT_EQ(largest->length, UINT32_MAX);
   EXPECT_EQ(QZAsn1SetExplicit(0, largest.get(), &made), -1);

@@ -64,9 +64,9 @@ TEST(AlgorithmTable, ConvertsEveryNameInAnyCaseAndEveryIdentifierToTheBaseOfItsN
   ASSERT_EQ(all.size(), 46U);
   for (const auto& [name, octets] : all) {
     std::string other_case = name;
-    for (char& letter : other_case) {
-      if (std::isalpha(letter) != 0) letter = static_cast<char>(letter ^ 0x20);
-    }
+    std::ranges::transform(name, other_case.begin(), [](char letter) {
+      return static_cast<char>(std::isalpha(letter) != 0 ? letter ^ 0x20 : letter);
+    });
     EXPECT_EQ(to_object_id(name), octets) << name;
     EXPECT_EQ(to_object_id(other_case), octets) << name;
     const std::size_t dot = std::min(name.find('.'), name.size());

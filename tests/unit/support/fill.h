@@ -48,12 +48,9 @@ class Fill {
   }
   void raw(ANYBUF& field, RawRule rule, bool (*accepts)(der::Octet)) {
     if (rule == RawRule::kOptional && pick(3) == 0) return;
-    constexpr der::Octet kTags[] = {der::kSequence, der::kObjectId, der::kOctetString,
-                                    der::kContext2};
-    der::Octet tag = 0;
-    do {
-      tag = one_of<der::Octet>(kTags);
-    } while (!accepts(tag));
+    constexpr der::Octet kTags[] = {der::kSequence, der::kObjectId, der::kContext2};
+    der::Octet tag = one_of<der::Octet>(kTags);
+    while (!accepts(tag)) tag = one_of<der::Octet>(kTags);
     field = owned(tlv(tag, tag == der::kSequence ? tlv(der::kOctetString, octets()) : octets()),
                   der::type_word(tag));
   }
@@ -94,11 +91,9 @@ class Fill {
     envelope.algorithm = owned(kIdentityWrapping, der::kObjectId);
     const Bytes e5 = some(pick(256));
     const std::size_t half = 1 + pick(lengths_ == Lengths::kShort ? 3 : 255);
-    const Bytes counted = {static_cast<std::uint8_t>(e5.size())};
-    const Bytes counted_half = {static_cast<std::uint8_t>(half)};
-    envelope.encryptedKey = owned(
-        concat(some(4), prefixed(), prefixed(), counted, e5, counted_half, Bytes(2 * half, 0x5A)),
-        0);
+    const auto counted = [](std::size_t count) { return Bytes{static_cast<std::uint8_t>(count)}; };
+    const Bytes tail = concat(counted(e5.size()), e5, counted(half), Bytes(2 * half, 0x5A));
+    envelope.encryptedKey = owned(concat(some(4), prefixed(), prefixed(), tail), 0);
   }
 
  private:

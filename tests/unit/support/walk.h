@@ -3,11 +3,6 @@
 
 // Goes through a record the way its schema declares it, so that one visitor serves every record.
 
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <string_view>
-
 #include "crypto/algorithms.h"
 #include "crypto/envelopes.h"
 #include "crypto/names.h"
