@@ -1,5 +1,5 @@
 // What other programs make of encoded labels: every element is DER to OpenSSL, and the labels are
-// what tests/data/label.asn1 says to libtasn1. The algorithms are filled in all of them: an empty
+// what docs/label.asn1 says to libtasn1. The algorithms are filled in all of them: an empty
 // OBJECT IDENTIFIER, which a label without a signature has, is an error to both readers.
 
 #include "abi/support.h"
@@ -30,7 +30,7 @@ using Tree = std::unique_ptr<asn1_node_st, FreeTree>;
 Tree read_module() {
   asn1_node definitions = nullptr;
   char complaint[ASN1_MAX_ERROR_DESCRIPTION_SIZE] = "";
-  asn1_parser2tree(TQLABEL_TEST_DATA "/label.asn1", &definitions, complaint);
+  asn1_parser2tree(TQLABEL_DOCS "/label.asn1", &definitions, complaint);
   EXPECT_STREQ(complaint, "");
   return Tree(definitions);
 }
