@@ -4,8 +4,10 @@
 // GeneralizedTime as DER restricts it further here: exactly YYYYMMDDHHMMSSZ, a real date between
 // 1970 and 9999, as a count of seconds since the Unix epoch (X.690 11.7).
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace tq::der {
 
@@ -20,29 +22,29 @@ struct Date {
 };
 
 // Years are counted from March, so that the leap day is the last of its year and month lengths
-// follow one linear formula. 719468 days lie between 0000-03-01 and 1970-01-01.
+// follow one linear formula. 719468 days lie between 0000-03-01 and 1970-01-01, 146097 days in 400
+// years and 1461 in four.
 inline constexpr std::uint32_t kEpochDay = 719468;
 
 constexpr std::uint32_t days_from_date(const Date& date) {
-  const std::uint32_t year = date.month > 2 ? date.year : date.year - 1;
-  const std::uint32_t era_year = year % 400;
-  const std::uint32_t month = (date.month + 9) % 12;
-  const std::uint32_t year_day = (153 * month + 2) / 5 + date.day - 1;
-  const std::uint32_t era_day = era_year * 365 + era_year / 4 - era_year / 100 + year_day;
-  return year / 400 * 146097 + era_day - kEpochDay;
+  const bool before_march = date.month < 3;
+  const std::uint32_t year = date.year - (before_march ? 1 : 0);
+  const std::uint32_t month = date.month + (before_march ? 12 : 0) - 3;
+  const std::uint32_t century = year / 100;
+  return year * 365 + year / 4 - century + century / 4 + (153 * month + 2) / 5 + date.day - 1 -
+         kEpochDay;
 }
 
 constexpr Date date_from_days(std::uint32_t days) {
-  const std::uint32_t shifted = days + kEpochDay;
-  const std::uint32_t era_day = shifted % 146097;
-  const std::uint32_t era_year =
-      (era_day - era_day / 1460 + era_day / 36524 - era_day / 146096) / 365;
-  const std::uint32_t year_day = era_day - (365 * era_year + era_year / 4 - era_year / 100);
+  const std::uint32_t shifted = 4 * (days + kEpochDay) + 3;
+  const std::uint32_t century = shifted / 146097;
+  const std::uint32_t century_day = shifted % 146097 | 3;
+  const std::uint32_t year = 100 * century + century_day / 1461;
+  const std::uint32_t year_day = century_day % 1461 / 4;
   const std::uint32_t month = (5 * year_day + 2) / 153;
   const std::uint32_t day = year_day - (153 * month + 2) / 5 + 1;
   const bool next_year = month >= 10;
-  return {shifted / 146097 * 400 + era_year + (next_year ? 1U : 0U),
-          next_year ? month - 9 : month + 3, day};
+  return {year + (next_year ? 1 : 0), month + 3 - (next_year ? 12 : 0), day};
 }
 
 constexpr bool is_leap_year(std::uint32_t year) {
@@ -54,55 +56,83 @@ constexpr std::uint32_t days_in_month(std::uint32_t year, std::uint32_t month) {
   return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
 }
 
-constexpr bool two_digits(const std::uint8_t* text, std::uint32_t& value) {
-  const std::uint32_t tens = text[0] - std::uint32_t{'0'};
-  const std::uint32_t ones = text[1] - std::uint32_t{'0'};
-  value = tens * 10 + ones;
-  return tens <= 9 && ones <= 9;
+// Eight digits at a time, as one word whose lowest octet is the first; four numbers of two digits
+// lie in the lanes of 16 bits of another word.
+static_assert(std::endian::native == std::endian::little);
+
+inline std::uint64_t load_digits(const std::uint8_t* text) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, text, sizeof word);
+  return word;
 }
 
-constexpr void put_two_digits(std::uint8_t* text, std::uint32_t value) {
-  text[0] = static_cast<std::uint8_t>('0' + value / 10);
-  text[1] = static_cast<std::uint8_t>('0' + value % 10);
+inline void store_digits(std::uint64_t word, std::uint8_t* text) {
+  std::memcpy(text, &word, sizeof word);
+}
+
+inline constexpr std::uint64_t kEachOctet = 0x0101010101010101;
+inline constexpr std::uint64_t kEachLane = 0x0001000100010001;
+
+constexpr bool read_pairs(std::uint64_t digits, std::uint64_t& pairs) {
+  const std::uint64_t values = digits ^ kEachOctet * '0';
+  // A value above 9 reaches the top bit of its octet, unless it has it already.
+  if (((values + kEachOctet * (0x7F - 9)) & kEachOctet * 0x80) != 0 ||
+      (values & kEachOctet * 0x80) != 0) {
+    return false;
+  }
+  pairs = (values * 10 + (values >> 8)) & kEachLane * 0xFF;
+  return true;
+}
+
+constexpr std::uint64_t write_pairs(std::uint64_t pairs) {
+  const std::uint64_t tens = (pairs * 103 >> 10) & kEachLane * 0xF;  // right for all below 100
+  return kEachOctet * '0' + (tens | (pairs - tens * 10) << 8);
+}
+
+constexpr std::uint32_t pair(std::uint64_t pairs, int lane) { return pairs >> (16 * lane) & 0xFF; }
+
+constexpr std::uint64_t lanes(std::uint32_t first, std::uint32_t second, std::uint32_t third,
+                              std::uint32_t fourth) {
+  return first | second << 16 | std::uint64_t{third | fourth << 16} << 32;
 }
 
 // Reads the kTimeLength octets of a GeneralizedTime.
-[[nodiscard, gnu::noinline]] constexpr bool parse_time(const std::uint8_t* text,
-                                                       std::uint64_t& seconds) {
-  std::uint32_t century = 0;
-  std::uint32_t year = 0;
-  std::uint32_t month = 0;
-  std::uint32_t day = 0;
-  std::uint32_t hour = 0;
-  std::uint32_t minute = 0;
-  std::uint32_t second = 0;
-  if (!two_digits(text, century) || !two_digits(text + 2, year) || !two_digits(text + 4, month) ||
-      !two_digits(text + 6, day) || !two_digits(text + 8, hour) || !two_digits(text + 10, minute) ||
-      !two_digits(text + 12, second) || text[14] != 'Z') {
+[[nodiscard, gnu::noinline]] inline bool parse_time(const std::uint8_t* text,
+                                                    std::uint64_t& seconds) {
+  const std::uint64_t behind_date = load_digits(text + 7) >> 8;  // without the date's last digit
+  constexpr std::uint64_t kZone = std::uint64_t{'Z'} << 48;
+  std::uint64_t date = 0;
+  std::uint64_t time = 0;
+  if (behind_date >> 48 != 'Z' || !read_pairs(load_digits(text), date) ||
+      !read_pairs((behind_date ^ kZone) | std::uint64_t{'0' | '0' << 8} << 48, time)) {
     return false;
   }
-  year += century * 100;
-  if (year < 1970 || month < 1 || month > 12 || day < 1 || day > days_in_month(year, month) ||
-      hour > 23 || minute > 59 || second > 59) {
+  const std::uint32_t year = pair(date, 0) * 100 + pair(date, 1);
+  const std::uint32_t month = pair(date, 2);
+  const std::uint32_t day = pair(date, 3);
+  const std::uint32_t hour = pair(time, 0);
+  const std::uint32_t minute = pair(time, 1);
+  const std::uint32_t second = pair(time, 2);
+  if (year < 1970 || month < 1 || month > 12 || day < 1 ||
+      (day > 28 && day > days_in_month(year, month)) || hour > 23 || minute > 59 || second > 59) {
     return false;
   }
   const std::uint64_t days = days_from_date({year, month, day});
-  seconds = ((days * 24 + hour) * 60 + minute) * 60 + second;
+  seconds = days * kDaySeconds + (hour * 60 + minute) * 60 + second;
   return true;
 }
 
 // Writes kTimeLength octets; seconds must not exceed kLastTime.
-[[gnu::noinline]] constexpr void format_time(std::uint64_t seconds, std::uint8_t* text) {
+[[gnu::noinline]] inline void format_time(std::uint64_t seconds, std::uint8_t* text) {
   const Date date = date_from_days(static_cast<std::uint32_t>(seconds / kDaySeconds));
   const auto rest = static_cast<std::uint32_t>(seconds % kDaySeconds);
-  put_two_digits(text, date.year / 100);
-  put_two_digits(text + 2, date.year % 100);
-  put_two_digits(text + 4, date.month);
-  put_two_digits(text + 6, date.day);
-  put_two_digits(text + 8, rest / 3600);
-  put_two_digits(text + 10, rest / 60 % 60);
-  put_two_digits(text + 12, rest % 60);
-  text[14] = 'Z';
+  const std::uint32_t minutes = rest / 60;
+  const std::uint64_t day =
+      write_pairs(lanes(date.year / 100, date.year % 100, date.month, date.day));
+  const std::uint64_t time = write_pairs(lanes(minutes / 60, minutes % 60, rest % 60, 0));
+  store_digits(day, text);
+  // The two words overlap by the date's last digit.
+  store_digits(day >> 56 | (time << 16 >> 8) | std::uint64_t{'Z'} << 56, text + 7);
 }
 
 }  // namespace tq::der

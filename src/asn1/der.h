@@ -86,40 +86,47 @@ class Cursor {
   }
 
   // The next element, which must be of this tag.
-  [[nodiscard]] bool take(Octet tag, Element& element) {
+  [[nodiscard, gnu::always_inline]] bool take(Octet tag, Element& element) {
     return !at_end() && *at_ == tag && pass(element);
   }
 
   // Whether what is left is whole elements: they are ignored, but they must be elements.
-  [[nodiscard]] bool finish() {
+  [[nodiscard]] bool finish() const { return at_end() || are_elements(*this); }
+
+ private:
+  // The sizes of a header and of the content behind it; a header of none is malformed.
+  struct Sizes {
+    std::uint32_t header;
+    std::uint32_t length;
+  };
+
+  [[nodiscard, gnu::always_inline]] bool pass(Element& element) {
+    const auto left = static_cast<std::size_t>(end_ - at_);
+    if (left < 2) return false;
+    Sizes sizes = {2, at_[1]};
+    if (sizes.length >= 0x80) sizes = long_form(at_, left);
+    if (sizes.header == 0 || sizes.length > left - sizes.header) return false;
+    element = {at_, sizes.header, sizes.length};
+    at_ += std::size_t{sizes.header} + sizes.length;
+    return true;
+  }
+
+  // What is seldom needed takes and gives values, so that cursors can live in registers.
+
+  [[nodiscard, gnu::noinline]] static bool are_elements(Cursor rest) {
     Element ignored;
-    while (!at_end()) {
-      if (!next(ignored)) return false;
+    while (!rest.at_end()) {
+      if (!rest.next(ignored)) return false;
     }
     return true;
   }
 
- private:
-  [[nodiscard]] bool pass(Element& element) {
-    const auto left = static_cast<std::size_t>(end_ - at_);
-    if (left < 2) return false;
-    std::uint32_t header = 2;
-    std::uint32_t length = at_[1];
-    if (length >= 0x80 && !long_length(left, header, length)) return false;
-    if (length > left - header) return false;
-    element = {at_, header, length};
-    at_ += std::size_t{header} + length;
-    return true;
-  }
-
-  [[nodiscard, gnu::noinline]] bool long_length(std::size_t left, std::uint32_t& header,
-                                                std::uint32_t& length) const {
-    const std::uint32_t count = length & 0x7F;
-    if (count == 0 || count > sizeof length || left - 2 < count || at_[2] == 0) return false;
-    length = 0;
-    for (std::uint32_t i = 0; i < count; ++i) length = length << 8 | at_[2 + i];
-    header += count;
-    return length >= 0x80;
+  [[nodiscard, gnu::noinline]] static Sizes long_form(const Octet* at, std::size_t left) {
+    const std::uint32_t count = at[1] & 0x7F;
+    std::uint32_t length = 0;
+    if (count == 0 || count > sizeof length || left - 2 < count || at[2] == 0) return {};
+    for (std::uint32_t i = 0; i < count; ++i) length = length << 8 | at[2 + i];
+    return length < 0x80 ? Sizes{} : Sizes{2 + count, length};
   }
 
   const Octet* at_;
@@ -290,16 +297,7 @@ class Writer {
   // For what holds no constructed element whose length a plan would have to keep.
   explicit Writer(Octet* out) : at_(out) {}
 
-  void header(Octet tag, std::uint32_t length) {
-    *at_++ = tag;
-    if (length < 0x80) {
-      *at_++ = static_cast<Octet>(length);
-      return;
-    }
-    const std::uint32_t count = header_size(length) - 2;
-    *at_++ = static_cast<Octet>(0x80 | count);
-    big_endian(length, count);
-  }
+  void header(Octet tag, std::uint32_t length) { at_ = write_header(at_, tag, length); }
 
   // The header of a constructed element, whose content length the plan has kept.
   void open(Octet tag) {
@@ -318,12 +316,18 @@ class Writer {
     at_ += length;
   }
 
+  // A whole element around content octets.
+  [[gnu::noinline]] void element(Octet tag, const Octet* content, std::uint32_t length) {
+    if (length > kShort) return long_element(tag, content, length);
+    Octet* const to = write_header(at_, tag, length);
+    copy_short(to, content, length);
+    at_ = to + length;
+  }
+
   void integer(std::uint32_t value) {
-    const std::uint32_t length = integer_length(value);
-    *at_++ = kInteger;
-    *at_++ = static_cast<Octet>(length);
-    if (length > sizeof value) *at_++ = 0;
-    big_endian(value, length > sizeof value ? static_cast<std::uint32_t>(sizeof value) : length);
+    if (value >= 0x80) return long_integer(value);
+    header(kInteger, 1);
+    octet(static_cast<Octet>(value));
   }
 
   void boolean(bool value) {
@@ -342,8 +346,60 @@ class Writer {
   [[nodiscard]] const Octet* at() const { return at_; }
 
  private:
-  [[gnu::noinline]] void big_endian(std::uint32_t value, std::uint32_t count) {
-    for (std::uint32_t i = count; i-- > 0;) *at_++ = static_cast<Octet>(value >> (8 * i));
+  // These work on pointers of their own, since every octet that is stored might be one of at_'s as
+  // far as a compiler knows.
+
+  [[nodiscard]] static Octet* write_header(Octet* at, Octet tag, std::uint32_t length) {
+    at[0] = tag;
+    if (length >= 0x80) return write_long_length(at + 1, length);
+    at[1] = static_cast<Octet>(length);
+    return at + 2;
+  }
+
+  // Stores a whole word, of which the content that follows overwrites what is too much: it is
+  // longer than that.
+  [[nodiscard, gnu::noinline]] static Octet* write_long_length(Octet* at, std::uint32_t length) {
+    const std::uint32_t count = header_size(length) - 2;
+    const std::uint32_t word = __builtin_bswap32(length << 8 * (sizeof word - count));
+    *at++ = static_cast<Octet>(0x80 | count);
+    std::memcpy(at, &word, sizeof word);
+    return at + count;
+  }
+
+  [[gnu::noinline]] void long_integer(std::uint32_t value) {
+    std::uint32_t count = integer_length(value);
+    header(kInteger, count);
+    if (count > sizeof value) {
+      octet(0);
+      --count;
+    }
+    while (count-- > 0) octet(static_cast<Octet>(value >> (8 * count)));
+  }
+
+  [[gnu::noinline]] void long_element(Octet tag, const Octet* content, std::uint32_t length) {
+    header(tag, length);
+    octets(content, length);
+  }
+
+  // Most contents are short, and copying them here costs less than a call: two words that may
+  // overlap cover any length from one word to two.
+  static constexpr std::uint32_t kShort = 2 * sizeof(std::uint64_t);
+
+  static void copy_short(Octet* to, const Octet* from, std::uint32_t length) {
+    if (length >= sizeof(std::uint64_t)) return copy_words<std::uint64_t>(to, from, length);
+    if (length >= sizeof(std::uint32_t)) return copy_words<std::uint32_t>(to, from, length);
+    if (length >= sizeof(std::uint16_t)) return copy_words<std::uint16_t>(to, from, length);
+    if (length == 1) *to = *from;
+  }
+
+  template <class Word>
+  static void copy_words(Octet* to, const Octet* from, std::uint32_t length) {
+    Word first;
+    Word last;
+    std::memcpy(&first, from, sizeof first);
+    std::memcpy(&last, from + length - sizeof last, sizeof last);
+    std::memcpy(to, &first, sizeof first);
+    std::memcpy(to + length - sizeof last, &last, sizeof last);
   }
 
   Octet* at_;

@@ -1,7 +1,5 @@
 #include "crypto/names.h"
 
-#include <algorithm>
-
 #include "der/schema/tagged.h"
 
 namespace tq {
@@ -9,27 +7,35 @@ namespace {
 
 constexpr der::Octet kEmailType[] = {0x2a, 0x86, 0x48, 0x86, 0xf7, 0x0d, 0x01, 0x09, 0x01};
 constexpr std::uint32_t kShortTypeLength = 3;
-// Last octets of the attribute types CN, C, L, ST, O and OU. SN is read but not written.
-constexpr der::Octet kShortTypes[] = {3, 6, 7, 8, 10, 11};
 
-// The tag that an attribute's value is written with, or 0 for an attribute that cannot be written.
-der::Octet value_tag(const X509Name& attribute) {
+// A set of small numbers.
+template <class... Numbers>
+consteval std::uint32_t set_of(Numbers... numbers) {
+  return ((1U << numbers) | ...);
+}
+constexpr bool holds(std::uint32_t set, std::uint32_t number) {
+  return number < 32 && (set >> number & 1) != 0;
+}
+
+// Last octets of the attribute types CN, C, L, ST, O and OU. SN is read but not written.
+constexpr std::uint32_t kShortTypes = set_of(3, 6, 7, 8, 10, 11);
+constexpr std::uint32_t kStringTypes =
+    set_of(der::kUtf8String, der::kPrintableString, der::kIa5String, der::kBmpString);
+
+[[nodiscard]] bool can_write(const X509Name& attribute) {
   const ANYBUF& type = attribute.type;
-  if (equal_bytes(type, kEmailType, sizeof kEmailType)) return der::kIa5String;
-  if (type.length != kShortTypeLength || type.data == nullptr ||
-      std::ranges::find(kShortTypes, type.data[2]) == std::end(kShortTypes)) {
-    return 0;
+  if (type.length == kShortTypeLength && type.data != nullptr) {
+    return holds(kShortTypes, type.data[2]) && holds(kStringTypes, attribute.value.type) &&
+           has_its_bytes(attribute.value);
   }
-  switch (attribute.value.type) {
-    case der::kUtf8String:
-    case der::kPrintableString:
-      return der::kPrintableString;
-    case der::kIa5String:
-    case der::kBmpString:
-      return static_cast<der::Octet>(attribute.value.type);
-    default:
-      return 0;
-  }
+  return equal_bytes(type, kEmailType, sizeof kEmailType) && has_its_bytes(attribute.value);
+}
+
+// The tag that the value of an attribute that can be written is written with.
+der::Octet value_tag(const X509Name& attribute) {
+  if (attribute.type.length != kShortTypeLength) return der::kIa5String;
+  return attribute.value.type == der::kUtf8String ? der::Octet{der::kPrintableString}
+                                                  : static_cast<der::Octet>(attribute.value.type);
 }
 
 // The lengths within one relative name, from the inside out: cheap enough to be formed again when
@@ -43,19 +49,16 @@ struct RelativeName {
         set(der::element_size(pair)) {}
 };
 
-[[nodiscard]] bool read_type(X509Name& attribute, const Scope& scope, der::Cursor& in) {
+// Type and value, each at the front of its cursor.
+[[nodiscard, gnu::always_inline]] inline bool read_pair(X509Name& attribute, const Scope& scope,
+                                                        der::Cursor& types, der::Cursor& values) {
   der::Element type;
-  return in.take(der::kObjectId, type) && Octets<der::kObjectId>::read(type, attribute.type, scope);
-}
-
-[[nodiscard]] bool read_value(X509Name& attribute, const Scope& scope, der::Cursor& in) {
-  const der::Octet tag = in.peek();
-  if (tag != der::kUtf8String && tag != der::kPrintableString && tag != der::kIa5String &&
-      tag != der::kBmpString) {
-    return false;
-  }
   der::Element value;
-  return in.take(tag, value) && store(attribute.value, value.content(), value.length, tag, scope);
+  return types.take(der::kObjectId, type) && holds(kStringTypes, values.peek()) &&
+         values.take(values.peek(), value) &&
+         store(attribute.type, type.content(), type.length, der::type_word(der::kObjectId),
+               scope) &&
+         store(attribute.value, value.content(), value.length, value.tag(), scope);
 }
 
 }  // namespace
@@ -63,7 +66,7 @@ struct RelativeName {
 bool AttributeSchema::plan_element(const X509Name& attribute, const Scope& /*scope*/,
                                    der::Plan& plan) {
   plan.add(RelativeName(attribute).set);
-  return value_tag(attribute) != 0 && has_its_bytes(attribute.value);
+  return can_write(attribute);
 }
 
 void AttributeSchema::write_element(const X509Name& attribute, const Scope& /*scope*/,
@@ -72,8 +75,7 @@ void AttributeSchema::write_element(const X509Name& attribute, const Scope& /*sc
   out.header(der::kSet, static_cast<std::uint32_t>(lengths.set));
   out.header(der::kSequence, static_cast<std::uint32_t>(lengths.pair));
   Octets<der::kObjectId>::write(attribute.type, out);
-  out.header(value_tag(attribute), attribute.value.length);
-  out.octets(attribute.value.data, attribute.value.length);
+  out.element(value_tag(attribute), attribute.value.data, attribute.value.length);
 }
 
 bool AttributeSchema::read_element(X509Name& attribute, const Scope& scope, der::Cursor& in) {
@@ -83,8 +85,7 @@ bool AttributeSchema::read_element(X509Name& attribute, const Scope& scope, der:
   der::Cursor attributes(set);
   if (!attributes.take(der::kSequence, pair) || !attributes.finish()) return false;
   der::Cursor inside(pair);
-  return read_type(attribute, scope, inside) && read_value(attribute, scope, inside) &&
-         inside.finish();
+  return read_pair(attribute, scope, inside, inside) && inside.finish();
 }
 
 bool is_empty(const X509Name& first) {
@@ -116,8 +117,7 @@ std::int32_t DecodeDName(const ANYBUF* chain, X509Name* attribute) {
   }
   der::Cursor type(chain->data, chain->length);
   der::Cursor value(chain->next->data, chain->next->length);
-  const bool read = read_type(*attribute, {}, type) && read_value(*attribute, {}, value);
-  return read ? 0 : -1;
+  return read_pair(*attribute, {}, type, value) ? 0 : -1;
 }
 
 void FreeX509Name(X509Name* first) { release(kName, first); }

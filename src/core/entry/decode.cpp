@@ -7,22 +7,14 @@ namespace {
 
 using Bytes = Block<std::uint8_t>;
 
-// A handle's own copy of what it is decoded from, for its fields to be views of.
-[[nodiscard]] Bytes copy_of(const std::uint8_t* from, std::size_t length) {
-  Bytes bytes(static_cast<std::uint8_t*>(Asn1Malloc(length)));
-  if (bytes) std::memcpy(bytes.get(), from, length);
-  return bytes;
-}
-
-// Makes a handle that owns a copy of the first octets of a label and has its head; the cursor is
-// left behind the head.
+// Makes a handle with a copy of the first octets of a label behind it and reads its head; the
+// cursor is left behind the head.
 [[nodiscard]] LabelOwner decode_head(const Outline& outline, std::size_t length, der::Cursor& in) {
-  LabelOwner label(GetHandleLabel());
+  LabelOwner label(make_zeroed<TqLabelHandle>(1, length).release());
   if (!label) return nullptr;
-  Bytes bytes = copy_of(outline.head.start, length);
-  if (!bytes) return nullptr;
-  label->labelBytes = bytes.release();
-  in = der::Cursor(label->labelBytes, length);
+  auto* const bytes = static_cast<std::uint8_t*>(static_cast<void*>(label.get() + 1));
+  std::memcpy(bytes, outline.head.start, length);
+  in = der::Cursor(bytes, length);
   if (!read_head(label->head, *label, true, in)) return nullptr;
   return label;
 }
@@ -83,8 +75,9 @@ std::int32_t DecodeLabelDecrypted(TqLabel label, const std::uint8_t* der, std::u
       !tq::der::read_outermost(der, derLen, tq::der::kSequence, element)) {
     return -1;
   }
-  tq::Bytes bytes = tq::copy_of(element.start, element.size());
+  tq::Bytes bytes(static_cast<std::uint8_t*>(Asn1Malloc(element.size())));
   if (!bytes) return -1;
+  std::memcpy(bytes.get(), element.start, element.size());
   tq::FreeBody(&label->body);
   label->body = {};
   Asn1Free(std::exchange(label->openedBytes, bytes.release()));

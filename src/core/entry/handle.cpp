@@ -7,7 +7,6 @@ void FreeHandleLabel(TqLabel label) {
   tq::FreeHead(&label->head);
   tq::FreeBody(&label->body);
   tq::FreeANYBUF(&label->pad);
-  Asn1Free(label->labelBytes);
   Asn1Free(label->openedBytes);
   Asn1Free(label);
 }

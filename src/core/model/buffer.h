@@ -26,11 +26,11 @@ template <class T>
 using Block = std::unique_ptr<T, Releaser<Asn1Free>>;
 static_assert(sizeof(Node) == sizeof(ANYBUF*) && sizeof(Block<char>) == sizeof(char*));
 
-// A zeroed object in a block of its own, or null.
+// Zeroed objects in a block of their own, with unset octets behind them, or null.
 template <class T>
-[[nodiscard]] Block<T> make_zeroed(std::size_t count = 1) {
+[[nodiscard]] Block<T> make_zeroed(std::size_t count = 1, std::size_t octets_behind = 0) {
   static_assert(std::is_trivial_v<T>);
-  Block<T> made(static_cast<T*>(Asn1Malloc(sizeof(T) * count)));
+  Block<T> made(static_cast<T*>(Asn1Malloc(sizeof(T) * count + octets_behind)));
   if (made) std::memset(made.get(), 0, sizeof(T) * count);
   return made;
 }

@@ -210,16 +210,15 @@ struct Body {
 
 }  // namespace tq
 
-// What a label handle points to. A decoded label keeps the bytes that it came from in one block,
-// and its byte fields are views of them until a setter replaces them.
+// What a label handle points to. The bytes that a label was decoded from lie behind it in the same
+// block, and its byte fields are views of them until a setter replaces them.
 struct TqLabelHandle {
   std::uint8_t subVersion;  // '1' and '2' for "1.1.1" and "1.1.2", else 0
   char version[3];          // "6.0" or "1.1", not terminated; zeros until a version is set
   tq::Head head;
   tq::Body body;
   ANYBUF pad;
-  std::uint8_t* labelBytes;   // head and body of the label that was decoded
-  std::uint8_t* openedBytes;  // the body that was decrypted
+  std::uint8_t* openedBytes;  // the body that was decrypted since, or null
 };
 
 #endif

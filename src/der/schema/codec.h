@@ -28,8 +28,9 @@ struct Scope {
 inline Scope scope_of(const TqLabelHandle& label) { return {.layout = layout_of(label)}; }
 
 // Stores content octets in a field, which must be empty.
-[[nodiscard]] inline bool store(ANYBUF& field, const der::Octet* bytes, std::uint32_t length,
-                                std::uint32_t type, const Scope& scope) {
+[[nodiscard, gnu::always_inline]] inline bool store(ANYBUF& field, const der::Octet* bytes,
+                                                    std::uint32_t length, std::uint32_t type,
+                                                    const Scope& scope) {
   if (!scope.views) return replace(field, bytes, length, type);
   field = view_of(length == 0 ? nullptr : bytes, length, type);
   return true;
@@ -92,8 +93,7 @@ struct Octets {
     return has_its_bytes(field);
   }
   static void write(const ANYBUF& field, der::Writer& out) {
-    out.header(kTag, field.length);
-    out.octets(field.data, field.length);
+    out.element(kTag, field.data, field.length);
   }
   [[nodiscard]] static bool read(const der::Element& element, ANYBUF& field, const Scope& scope) {
     return store(field, element.content(), element.length, der::type_word(kTag), scope);
