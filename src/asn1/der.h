@@ -7,6 +7,7 @@
 
 #include <tqasn1/asn1.h>
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -60,12 +61,14 @@ constexpr bool is_valid_tag(Octet tag) {
 // One element where it lies in the input: a header of 2 to 6 octets, then the content.
 struct Element {
   const Octet* start = nullptr;
-  std::uint32_t header = 0;
+  const Octet* inside = nullptr;
   std::uint32_t length = 0;  // of the content
 
   [[nodiscard]] Octet tag() const { return start[0]; }
-  [[nodiscard]] const Octet* content() const { return start + header; }
-  [[nodiscard]] std::uint32_t size() const { return header + length; }
+  [[nodiscard]] const Octet* content() const { return inside; }
+  [[nodiscard]] std::uint32_t size() const {
+    return static_cast<std::uint32_t>(inside - start) + length;
+  }
 };
 
 // Walks the children of an element in place. Every header is checked when it is passed: a tag that
@@ -94,20 +97,22 @@ class Cursor {
   [[nodiscard]] bool finish() const { return at_end() || are_elements(*this); }
 
  private:
-  // The sizes of a header and of the content behind it; a header of none is malformed.
-  struct Sizes {
-    std::uint32_t header;
-    std::uint32_t length;
+  // Where the content of an element is said to lie; nowhere, if its header is malformed.
+  struct Content {
+    const Octet* start;
+    std::size_t length;
   };
 
   [[nodiscard, gnu::always_inline]] bool pass(Element& element) {
-    const auto left = static_cast<std::size_t>(end_ - at_);
-    if (left < 2) return false;
-    Sizes sizes = {2, at_[1]};
-    if (sizes.length >= 0x80) sizes = long_form(at_, left);
-    if (sizes.header == 0 || sizes.length > left - sizes.header) return false;
-    element = {at_, sizes.header, sizes.length};
-    at_ += std::size_t{sizes.header} + sizes.length;
+    if (end_ - at_ < 2) return false;
+    Content content = {at_ + 2, at_[1]};
+    if (content.length >= 0x80) {
+      content = long_form(at_, end_);
+      if (content.start == nullptr) return false;
+    }
+    if (content.length > static_cast<std::size_t>(end_ - content.start)) return false;
+    element = {at_, content.start, static_cast<std::uint32_t>(content.length)};
+    at_ = content.start + content.length;
     return true;
   }
 
@@ -121,12 +126,13 @@ class Cursor {
     return true;
   }
 
-  [[nodiscard, gnu::noinline]] static Sizes long_form(const Octet* at, std::size_t left) {
+  [[nodiscard, gnu::noinline]] static Content long_form(const Octet* at, const Octet* end) {
     const std::uint32_t count = at[1] & 0x7F;
-    std::uint32_t length = 0;
-    if (count == 0 || count > sizeof length || left - 2 < count || at[2] == 0) return {};
-    for (std::uint32_t i = 0; i < count; ++i) length = length << 8 | at[2 + i];
-    return length < 0x80 ? Sizes{} : Sizes{2 + count, length};
+    at += 2;
+    if (count == 0 || count > sizeof(std::uint32_t) || end - at < count || *at == 0) return {};
+    std::size_t length = 0;
+    for (std::uint32_t i = 0; i < count; ++i) length = length << 8 | *at++;
+    return length < 0x80 ? Content{} : Content{at, length};
   }
 
   const Octet* at_;
@@ -182,26 +188,27 @@ class Cursor {
 
 // Sizes.
 
+// The octets of a length of the long form.
+constexpr std::uint32_t long_length_size(std::uint64_t length) {
+  return static_cast<std::uint32_t>(71 - std::countl_zero(length)) / 8;
+}
+
 constexpr std::uint32_t header_size(std::uint64_t length) {
-  if (length < 0x80) return 2;
-  if (length <= 0xFF) return 3;
-  if (length <= 0xFFFF) return 4;
-  return length <= 0xFFFFFF ? 5 : 6;
+  return length < 0x80 ? 2 : 2 + long_length_size(length);
 }
 
 constexpr std::uint64_t element_size(std::uint64_t length) { return header_size(length) + length; }
 
+// There is one bit more than the value has, which says that it is not negative.
 constexpr std::uint32_t integer_length(std::uint32_t value) {
-  if (value < 0x80) return 1;
-  if (value < 0x8000) return 2;
-  if (value < 0x800000) return 3;
-  return value < 0x80000000 ? 4 : 5;
+  return static_cast<std::uint32_t>(40 - std::countl_zero(value | 1)) / 8;
 }
 
 // Adds up the sizes of what will be written and keeps the content length of every constructed
 // element in writing order, so that the Writer finds each when it comes to it. The first lengths
 // lie in the plan itself; what does not fit goes to blocks, each twice the size of the one before,
-// so that nothing is ever moved. Lengths that nobody will write from need not be kept.
+// so that nothing is ever moved. Where nobody will write from them, the first ones are overwritten
+// by those that do not fit.
 class Plan {
  public:
   enum class Keep : bool { kTotalOnly, kLengths };
@@ -228,10 +235,6 @@ class Plan {
   void add_whole(std::uint64_t size) { total_ += size; }
 
   [[nodiscard]] bool open(Open& open) {
-    if (keep_ == Keep::kTotalOnly) {
-      open = {&unkept_, total_};
-      return true;
-    }
     if (at_ == end_ && !extend()) return false;
     open = {at_++, total_};
     return true;
@@ -262,6 +265,10 @@ class Plan {
   }
 
   [[nodiscard, gnu::noinline]] bool extend() {
+    if (keep_ == Keep::kTotalOnly) {
+      at_ = inline_;
+      return true;
+    }
     const std::uint32_t capacity = last_ == nullptr ? 2 * kInlineLengths : 2 * last_->capacity;
     auto* block = static_cast<Block*>(Asn1Malloc(sizeof(Block) + sizeof(std::uint32_t) * capacity));
     if (block == nullptr) return false;
@@ -280,7 +287,6 @@ class Plan {
   std::uint32_t* end_ = inline_ + kInlineLengths;
   Block* blocks_ = nullptr;
   Block* last_ = nullptr;
-  std::uint32_t unkept_ = 0;
   Keep keep_;
   std::uint32_t inline_[kInlineLengths];
 };
@@ -359,7 +365,7 @@ class Writer {
   // Stores a whole word, of which the content that follows overwrites what is too much: it is
   // longer than that.
   [[nodiscard, gnu::noinline]] static Octet* write_long_length(Octet* at, std::uint32_t length) {
-    const std::uint32_t count = header_size(length) - 2;
+    const std::uint32_t count = long_length_size(length);
     const std::uint32_t word = __builtin_bswap32(length << 8 * (sizeof word - count));
     *at++ = static_cast<Octet>(0x80 | count);
     std::memcpy(at, &word, sizeof word);
@@ -383,9 +389,13 @@ class Writer {
 
   // Most contents are short, and copying them here costs less than a call: two words that may
   // overlap cover any length from one word to two.
-  static constexpr std::uint32_t kShort = 2 * sizeof(std::uint64_t);
+  struct Words {
+    std::uint64_t words[2];
+  };
+  static constexpr std::uint32_t kShort = 2 * sizeof(Words);
 
   static void copy_short(Octet* to, const Octet* from, std::uint32_t length) {
+    if (length >= sizeof(Words)) return copy_words<Words>(to, from, length);
     if (length >= sizeof(std::uint64_t)) return copy_words<std::uint64_t>(to, from, length);
     if (length >= sizeof(std::uint32_t)) return copy_words<std::uint32_t>(to, from, length);
     if (length >= sizeof(std::uint16_t)) return copy_words<std::uint16_t>(to, from, length);

@@ -22,7 +22,7 @@ constexpr std::uint32_t kShortTypes = set_of(3, 6, 7, 8, 10, 11);
 constexpr std::uint32_t kStringTypes =
     set_of(der::kUtf8String, der::kPrintableString, der::kIa5String, der::kBmpString);
 
-[[nodiscard]] bool can_write(const X509Name& attribute) {
+[[nodiscard]] inline bool can_write(const X509Name& attribute) {
   const ANYBUF& type = attribute.type;
   if (type.length == kShortTypeLength && type.data != nullptr) {
     return holds(kShortTypes, type.data[2]) && holds(kStringTypes, attribute.value.type) &&
@@ -63,22 +63,23 @@ struct RelativeName {
 
 }  // namespace
 
-bool AttributeSchema::plan_element(const X509Name& attribute, const Scope& /*scope*/,
-                                   der::Plan& plan) {
+inline bool AttributeSchema::plan_element(const X509Name& attribute, const Scope& /*scope*/,
+                                          der::Plan& plan) {
   plan.add(RelativeName(attribute).set);
   return can_write(attribute);
 }
 
-void AttributeSchema::write_element(const X509Name& attribute, const Scope& /*scope*/,
-                                    der::Writer& out) {
+inline void AttributeSchema::write_element(const X509Name& attribute, const Scope& /*scope*/,
+                                           der::Writer& out) {
   const RelativeName lengths(attribute);
   out.header(der::kSet, static_cast<std::uint32_t>(lengths.set));
   out.header(der::kSequence, static_cast<std::uint32_t>(lengths.pair));
-  Octets<der::kObjectId>::write(attribute.type, out);
+  out.element(der::kObjectId, attribute.type.data, attribute.type.length);
   out.element(value_tag(attribute), attribute.value.data, attribute.value.length);
 }
 
-bool AttributeSchema::read_element(X509Name& attribute, const Scope& scope, der::Cursor& in) {
+inline bool AttributeSchema::read_element(X509Name& attribute, const Scope& scope,
+                                          der::Cursor& in) {
   der::Element set;
   der::Element pair;
   if (!in.take(der::kSet, set)) return false;
@@ -87,6 +88,8 @@ bool AttributeSchema::read_element(X509Name& attribute, const Scope& scope, der:
   der::Cursor inside(pair);
   return read_pair(attribute, scope, inside, inside) && inside.finish();
 }
+
+template struct Chained<AttributeSchema>;
 
 bool is_empty(const X509Name& first) {
   return first.type.length == 0 && first.value.length == 0 && first.next == nullptr;

@@ -126,7 +126,8 @@ template <class Entry>
 struct Chained {
   using Record = typename Entry::Record;
 
-  [[nodiscard]] static bool plan_element(const Record& first, const Scope& scope, der::Plan& plan) {
+  [[nodiscard, gnu::noinline]] static bool plan_element(const Record& first, const Scope& scope,
+                                                        der::Plan& plan) {
     der::Plan::Open open;
     if (!plan.open(open)) return false;
     for (const Record* entry = &first; entry != nullptr; entry = entry->next) {
@@ -136,14 +137,16 @@ struct Chained {
     return true;
   }
 
-  static void write_element(const Record& first, const Scope& scope, der::Writer& out) {
+  [[gnu::noinline]] static void write_element(const Record& first, const Scope& scope,
+                                              der::Writer& out) {
     out.open(der::kSequence);
     for (const Record* entry = &first; entry != nullptr; entry = entry->next) {
       Entry::write_element(*entry, scope, out);
     }
   }
 
-  [[nodiscard]] static bool read_element(Record& first, const Scope& scope, der::Cursor& in) {
+  [[nodiscard, gnu::noinline]] static bool read_element(Record& first, const Scope& scope,
+                                                        der::Cursor& in) {
     der::Element sequence;
     if (!in.take(der::kSequence, sequence)) return false;
     der::Cursor entries(sequence);

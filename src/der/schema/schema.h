@@ -176,26 +176,22 @@ struct Run {
   }
 };
 
-// The same, as one SEQUENCE. Elements after the last field are ignored. Each of the functions
-// exists once, however many records nest this one.
+// The same, as one SEQUENCE. Elements after the last field are ignored.
 template <class R, class... Fields>
 struct Schema : Run<R, Fields...> {
   using Inside = Run<R, Fields...>;
 
-  [[nodiscard, gnu::noinline]] static bool plan_element(const R& record, const Scope& scope,
-                                                        der::Plan& plan) {
+  [[nodiscard]] static bool plan_element(const R& record, const Scope& scope, der::Plan& plan) {
     der::Plan::Open open;
     if (!plan.open(open) || !Inside::plan(record, scope, plan)) return false;
     plan.close(open);
     return true;
   }
-  [[gnu::noinline]] static void write_element(const R& record, const Scope& scope,
-                                              der::Writer& out) {
+  static void write_element(const R& record, const Scope& scope, der::Writer& out) {
     out.open(der::kSequence);
     Inside::write(record, scope, out);
   }
-  [[nodiscard, gnu::noinline]] static bool read_element(R& record, const Scope& scope,
-                                                        der::Cursor& in) {
+  [[nodiscard]] static bool read_element(R& record, const Scope& scope, der::Cursor& in) {
     der::Element element;
     if (!in.take(der::kSequence, element)) return false;
     der::Cursor inside(element);
