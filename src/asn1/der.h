@@ -207,8 +207,8 @@ constexpr std::uint32_t integer_length(std::uint32_t value) {
 // Adds up the sizes of what will be written and keeps the content length of every constructed
 // element in writing order, so that the Writer finds each when it comes to it. The first lengths
 // lie in the plan itself; what does not fit goes to blocks, each twice the size of the one before,
-// so that nothing is ever moved. Where nobody will write from them, the first ones are overwritten
-// by those that do not fit.
+// so that nothing is ever moved; a link leads from each to the next. Where nobody will write from
+// them, the first ones are overwritten by those that do not fit.
 class Plan {
  public:
   enum class Keep : bool { kTotalOnly, kLengths };
@@ -257,11 +257,18 @@ class Plan {
     Block* next;
     std::uint32_t capacity;
     std::uint32_t padding;
-    // the lengths follow
+    // the lengths follow, and room for a link
   };
 
-  static std::uint32_t* lengths_of(Block* block) {
-    return static_cast<std::uint32_t*>(static_cast<void*>(block + 1));
+  // Stands in the place of a length, and what is linked to behind it. No content is as long, since
+  // its header would make the element too long.
+  static constexpr std::uint32_t kLink = UINT32_MAX;
+  static constexpr std::uint32_t kLinkRoom = 1 + sizeof(void*) / sizeof(std::uint32_t);
+
+  [[gnu::noinline]] static const std::uint32_t* follow(const std::uint32_t* link) {
+    const std::uint32_t* to = nullptr;
+    std::memcpy(&to, link + 1, sizeof to);
+    return to;
   }
 
   [[nodiscard, gnu::noinline]] bool extend() {
@@ -270,12 +277,16 @@ class Plan {
       return true;
     }
     const std::uint32_t capacity = last_ == nullptr ? 2 * kInlineLengths : 2 * last_->capacity;
-    auto* block = static_cast<Block*>(Asn1Malloc(sizeof(Block) + sizeof(std::uint32_t) * capacity));
+    auto* block = static_cast<Block*>(
+        Asn1Malloc(sizeof(Block) + sizeof(std::uint32_t) * (std::size_t{capacity} + kLinkRoom)));
     if (block == nullptr) return false;
     *block = {nullptr, capacity, 0};
     (last_ == nullptr ? blocks_ : last_->next) = block;
     last_ = block;
-    at_ = lengths_of(block);
+    auto* const lengths = static_cast<std::uint32_t*>(static_cast<void*>(block + 1));
+    *at_ = kLink;
+    std::memcpy(at_ + 1, &lengths, sizeof lengths);
+    at_ = lengths;
     end_ = at_ + capacity;
     return true;
   }
@@ -288,17 +299,15 @@ class Plan {
   Block* blocks_ = nullptr;
   Block* last_ = nullptr;
   Keep keep_;
-  std::uint32_t inline_[kInlineLengths];
+  std::uint32_t inline_[kInlineLengths + kLinkRoom];
 };
 
-// Writes forward, once. Everything that can fail has been asked by the plan.
+// Writes forward, once. Everything that can fail has been asked by the plan. A writer is passed and
+// returned by value, and no function that is not inlined sees it, so that it lives in registers:
+// every octet that is stored through a pointer to it might be one of its own.
 class Writer {
  public:
-  Writer(Octet* out, Plan& plan)
-      : at_(out),
-        length_(plan.inline_),
-        end_(plan.inline_ + Plan::kInlineLengths),
-        block_(plan.blocks_) {}
+  Writer(Octet* out, const Plan& plan) : at_(out), length_(plan.inline_) {}
 
   // For what holds no constructed element whose length a plan would have to keep.
   explicit Writer(Octet* out) : at_(out) {}
@@ -307,11 +316,7 @@ class Writer {
 
   // The header of a constructed element, whose content length the plan has kept.
   void open(Octet tag) {
-    if (length_ == end_) {
-      length_ = Plan::lengths_of(block_);
-      end_ = length_ + block_->capacity;
-      block_ = block_->next;
-    }
+    if (*length_ == Plan::kLink) length_ = Plan::follow(length_);
     header(tag, *length_++);
   }
 
@@ -323,17 +328,17 @@ class Writer {
   }
 
   // A whole element around content octets.
-  [[gnu::noinline]] void element(Octet tag, const Octet* content, std::uint32_t length) {
-    if (length > kShort) return long_element(tag, content, length);
-    Octet* const to = write_header(at_, tag, length);
-    copy_short(to, content, length);
-    at_ = to + length;
+  void element(Octet tag, const Octet* content, std::uint32_t length) {
+    at_ = write_element(at_, tag, content, length);
   }
 
   void integer(std::uint32_t value) {
-    if (value >= 0x80) return long_integer(value);
-    header(kInteger, 1);
-    octet(static_cast<Octet>(value));
+    if (value < 0x80) {
+      header(kInteger, 1);
+      octet(static_cast<Octet>(value));
+    } else {
+      at_ = write_long_integer(at_, value);
+    }
   }
 
   void boolean(bool value) {
@@ -352,9 +357,6 @@ class Writer {
   [[nodiscard]] const Octet* at() const { return at_; }
 
  private:
-  // These work on pointers of their own, since every octet that is stored might be one of at_'s as
-  // far as a compiler knows.
-
   [[nodiscard]] static Octet* write_header(Octet* at, Octet tag, std::uint32_t length) {
     at[0] = tag;
     if (length >= 0x80) return write_long_length(at + 1, length);
@@ -372,19 +374,32 @@ class Writer {
     return at + count;
   }
 
-  [[gnu::noinline]] void long_integer(std::uint32_t value) {
+  [[nodiscard, gnu::noinline]] static Octet* write_long_integer(Octet* at, std::uint32_t value) {
     std::uint32_t count = integer_length(value);
-    header(kInteger, count);
+    at = write_header(at, kInteger, count);
     if (count > sizeof value) {
-      octet(0);
+      *at++ = 0;
       --count;
     }
-    while (count-- > 0) octet(static_cast<Octet>(value >> (8 * count)));
+    while (count-- > 0) *at++ = static_cast<Octet>(value >> (8 * count));
+    return at;
   }
 
-  [[gnu::noinline]] void long_element(Octet tag, const Octet* content, std::uint32_t length) {
-    header(tag, length);
-    octets(content, length);
+  [[nodiscard, gnu::noinline]] static Octet* write_element(Octet* at, Octet tag,
+                                                           const Octet* content,
+                                                           std::uint32_t length) {
+    if (length > kShort) return write_long_element(at, tag, content, length);
+    at = write_header(at, tag, length);
+    copy_short(at, content, length);
+    return at + length;
+  }
+
+  [[nodiscard, gnu::noinline]] static Octet* write_long_element(Octet* at, Octet tag,
+                                                                const Octet* content,
+                                                                std::uint32_t length) {
+    at = write_header(at, tag, length);
+    std::memcpy(at, content, length);
+    return at + length;
   }
 
   // Most contents are short, and copying them here costs less than a call: two words that may
@@ -414,8 +429,6 @@ class Writer {
 
   Octet* at_;
   const std::uint32_t* length_ = nullptr;
-  const std::uint32_t* end_ = nullptr;
-  Plan::Block* block_ = nullptr;
 };
 
 }  // namespace tq::der

@@ -20,10 +20,10 @@ bool WrappedKey::plan(const ENVELOPE& envelope, const Scope& scope, der::Plan& p
              : PlainKey::plan(envelope.encryptedKey, plan);
 }
 
-void WrappedKey::write(const ENVELOPE& envelope, const Scope& scope, der::Writer& out) {
-  is_identity_based(envelope, scope)
-      ? IdentityKeyBlob::write_element(envelope.encryptedKey, scope, out)
-      : PlainKey::write(envelope.encryptedKey, out);
+der::Writer WrappedKey::write(const ENVELOPE& envelope, const Scope& scope, der::Writer out) {
+  return is_identity_based(envelope, scope)
+             ? IdentityKeyBlob::write_element(envelope.encryptedKey, scope, out)
+             : PlainKey::write(envelope.encryptedKey, out);
 }
 
 bool WrappedKey::read(ENVELOPE& envelope, const Scope& scope, der::Cursor& in) {

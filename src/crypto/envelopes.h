@@ -18,7 +18,7 @@ struct WrappedKey {
   static constexpr std::string_view kName = member_name<&ENVELOPE::encryptedKey>();
 
   [[nodiscard]] static bool plan(const ENVELOPE& envelope, const Scope& scope, der::Plan& plan);
-  static void write(const ENVELOPE& envelope, const Scope& scope, der::Writer& out);
+  static der::Writer write(const ENVELOPE& envelope, const Scope& scope, der::Writer out);
   [[nodiscard]] static bool read(ENVELOPE& envelope, const Scope& scope, der::Cursor& in);
   static void release(ENVELOPE& envelope) { clear(envelope.encryptedKey); }
   [[nodiscard]] static std::uint64_t buffers(const ENVELOPE& envelope) {

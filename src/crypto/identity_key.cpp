@@ -98,12 +98,13 @@ std::uint8_t octet_at(const Point& point, std::uint32_t index) {
 
 }  // namespace
 
-void PointCodec::write(const Point& point, der::Writer& out) {
+der::Writer PointCodec::write(const Point& point, der::Writer out) {
   out.header(kTag, length(point));
   if (point.from_blob) out.octet(kPointForm);
   if (point.zero_in_front) out.octet(0);
   out.octets(point.octets.data, point.octets.length);
   if (point.zero_at_end) out.octet(0);
+  return out;
 }
 
 bool IdentityKeyBlob::plan_element(const ANYBUF& blob, const Scope& scope, der::Plan& plan) {
@@ -111,10 +112,11 @@ bool IdentityKeyBlob::plan_element(const ANYBUF& blob, const Scope& scope, der::
   return parse_blob(blob, key) && decltype(kIdentityKey)::plan_element(key, scope, plan);
 }
 
-void IdentityKeyBlob::write_element(const ANYBUF& blob, const Scope& scope, der::Writer& out) {
+der::Writer IdentityKeyBlob::write_element(const ANYBUF& blob, const Scope& scope,
+                                           der::Writer out) {
   IdentityKey key{};
   static_cast<void>(parse_blob(blob, key));  // as the plan has seen
-  decltype(kIdentityKey)::write_element(key, scope, out);
+  return decltype(kIdentityKey)::write_element(key, scope, out);
 }
 
 bool IdentityKeyBlob::read_element(ANYBUF& blob, const Scope& /*scope*/, der::Cursor& in) {

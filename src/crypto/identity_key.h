@@ -28,7 +28,7 @@ struct PointCodec {
     plan.add(length(point));
     return true;
   }
-  static void write(const Point& point, der::Writer& out);
+  static der::Writer write(const Point& point, der::Writer out);
   [[nodiscard]] static bool read(const der::Element& element, Point& point, const Scope& scope) {
     return store(point.octets, element.content(), element.length, 0, scope);
   }
@@ -53,7 +53,7 @@ struct IdentityKeyBlob {
   using Record = ANYBUF;
 
   [[nodiscard]] static bool plan_element(const ANYBUF& blob, const Scope& scope, der::Plan& plan);
-  static void write_element(const ANYBUF& blob, const Scope& scope, der::Writer& out);
+  static der::Writer write_element(const ANYBUF& blob, const Scope& scope, der::Writer out);
   [[nodiscard]] static bool read_element(ANYBUF& blob, const Scope& scope, der::Cursor& in);
 };
 

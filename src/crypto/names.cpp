@@ -44,9 +44,14 @@ struct RelativeName {
   std::uint64_t pair;  // content of the SEQUENCE
   std::uint64_t set;   // content of the SET
 
-  explicit RelativeName(const X509Name& attribute)
-      : pair(der::element_size(attribute.type.length) + der::element_size(attribute.value.length)),
-        set(der::element_size(pair)) {}
+  explicit RelativeName(const X509Name& attribute) {
+    constexpr std::uint64_t kHeader = der::header_size(0);
+    pair = std::uint64_t{attribute.type.length} + attribute.value.length + 2 * kHeader;
+    set = pair + kHeader;
+    if (set < 0x80) return;  // then every length within is short as well
+    pair = der::element_size(attribute.type.length) + der::element_size(attribute.value.length);
+    set = der::element_size(pair);
+  }
 };
 
 // Type and value, each at the front of its cursor.
@@ -69,13 +74,19 @@ inline bool AttributeSchema::plan_element(const X509Name& attribute, const Scope
   return can_write(attribute);
 }
 
-inline void AttributeSchema::write_element(const X509Name& attribute, const Scope& /*scope*/,
-                                           der::Writer& out) {
+inline der::Writer AttributeSchema::write_element(const X509Name& attribute, const Scope& /*scope*/,
+                                                  der::Writer out) {
   const RelativeName lengths(attribute);
   out.header(der::kSet, static_cast<std::uint32_t>(lengths.set));
   out.header(der::kSequence, static_cast<std::uint32_t>(lengths.pair));
-  out.element(der::kObjectId, attribute.type.data, attribute.type.length);
+  if (attribute.type.length == kShortTypeLength) {  // as nearly all are: no call is needed
+    out.header(der::kObjectId, kShortTypeLength);
+    out.octets(attribute.type.data, kShortTypeLength);
+  } else {
+    out.element(der::kObjectId, attribute.type.data, attribute.type.length);
+  }
   out.element(value_tag(attribute), attribute.value.data, attribute.value.length);
+  return out;
 }
 
 inline bool AttributeSchema::read_element(X509Name& attribute, const Scope& scope,

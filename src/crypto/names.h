@@ -14,7 +14,7 @@ struct AttributeSchema {
 
   [[nodiscard]] static bool plan_element(const X509Name& attribute, const Scope& scope,
                                          der::Plan& plan);
-  static void write_element(const X509Name& attribute, const Scope& scope, der::Writer& out);
+  static der::Writer write_element(const X509Name& attribute, const Scope& scope, der::Writer out);
   [[nodiscard]] static bool read_element(X509Name& attribute, const Scope& scope, der::Cursor& in);
   static void release(X509Name& attribute) {
     clear(attribute.type);

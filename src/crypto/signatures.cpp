@@ -40,10 +40,10 @@ struct IdentitySignatureBlob {
     return parse_blob(blob, parts) &&
            decltype(kIdentitySignature)::plan_element(parts, scope, plan);
   }
-  static void write_element(const ANYBUF& blob, const Scope& scope, der::Writer& out) {
+  static der::Writer write_element(const ANYBUF& blob, const Scope& scope, der::Writer out) {
     IdentitySignature parts{};
     static_cast<void>(parse_blob(blob, parts));  // as the plan has seen
-    decltype(kIdentitySignature)::write_element(parts, scope, out);
+    return decltype(kIdentitySignature)::write_element(parts, scope, out);
   }
   [[nodiscard]] static bool read_element(ANYBUF& blob, const Scope& /*scope*/, der::Cursor& in) {
     IdentitySignature parts{};
@@ -75,14 +75,14 @@ bool SignerCertificate::plan(const Sign& sign, const Scope& scope, der::Plan& pl
   return has_its_bytes(sign.certificate);
 }
 
-void SignerCertificate::write(const Sign& sign, const Scope& scope, der::Writer& out) {
+der::Writer SignerCertificate::write(const Sign& sign, const Scope& scope, der::Writer out) {
   if (is_identity_signature(sign.algorithm)) {
     return IdentitySignatureBlob::write_element(sign.certificate, scope, out);
   }
   if (sign.algorithm.length != 0) return PlainCertificate::write(sign, scope, out);
   const std::uint64_t wrapped = der::element_size(sign.certificate.length);
   out.header(der::kSequence, static_cast<std::uint32_t>(wrapped));
-  WrappedCertificate::write(sign.certificate, out);
+  return WrappedCertificate::write(sign.certificate, out);
 }
 
 bool SignerCertificate::read(Sign& sign, const Scope& scope, der::Cursor& in) {

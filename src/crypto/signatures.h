@@ -28,7 +28,7 @@ struct SignerCertificate {
   static constexpr std::string_view kName = member_name<&Sign::certificate>();
 
   [[nodiscard]] static bool plan(const Sign& sign, const Scope& scope, der::Plan& plan);
-  static void write(const Sign& sign, const Scope& scope, der::Writer& out);
+  static der::Writer write(const Sign& sign, const Scope& scope, der::Writer out);
   [[nodiscard]] static bool read(Sign& sign, const Scope& scope, der::Cursor& in);
   static void release(Sign& sign) { clear(sign.certificate); }
   [[nodiscard]] static std::uint64_t buffers(const Sign& sign) { return sign.certificate.length; }

@@ -19,8 +19,9 @@ struct BodyOrSealed : Nested<&TqLabelHandle::body, std::remove_cvref_t<decltype(
     return scope.sealed == nullptr ? Plain::plan(label, scope, plan)
                                    : Sealed::plan(*scope.sealed, plan);
   }
-  static void write(const TqLabelHandle& label, const Scope& scope, der::Writer& out) {
-    scope.sealed == nullptr ? Plain::write(label, scope, out) : Sealed::write(*scope.sealed, out);
+  static der::Writer write(const TqLabelHandle& label, const Scope& scope, der::Writer out) {
+    return scope.sealed == nullptr ? Plain::write(label, scope, out)
+                                   : Sealed::write(*scope.sealed, out);
   }
 };
 

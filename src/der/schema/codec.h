@@ -48,7 +48,10 @@ struct Integer32 {
     plan.add(der::integer_length(value));
     return true;
   }
-  static void write(Value value, der::Writer& out) { out.integer(value); }
+  static der::Writer write(Value value, der::Writer out) {
+    out.integer(value);
+    return out;
+  }
   [[nodiscard]] static bool read(const der::Element& element, Value& value,
                                  const Scope& /*scope*/) {
     return der::read_integer(element, value);
@@ -62,7 +65,10 @@ struct Boolean {
     plan.add(1);
     return true;
   }
-  static void write(Value value, der::Writer& out) { out.boolean(value != 0); }
+  static der::Writer write(Value value, der::Writer out) {
+    out.boolean(value != 0);
+    return out;
+  }
   [[nodiscard]] static bool read(const der::Element& element, Value& value,
                                  const Scope& /*scope*/) {
     return der::read_boolean(element, value);
@@ -76,7 +82,10 @@ struct Time {
     plan.add(der::kTimeLength);
     return seconds <= der::kLastTime;
   }
-  static void write(Value seconds, der::Writer& out) { out.time(seconds); }
+  static der::Writer write(Value seconds, der::Writer out) {
+    out.time(seconds);
+    return out;
+  }
   [[nodiscard]] static bool read(const der::Element& element, Value& value,
                                  const Scope& /*scope*/) {
     return der::read_time(element, value);
@@ -92,8 +101,9 @@ struct Octets {
     plan.add(field.length);
     return has_its_bytes(field);
   }
-  static void write(const ANYBUF& field, der::Writer& out) {
+  static der::Writer write(const ANYBUF& field, der::Writer out) {
     out.element(kTag, field.data, field.length);
+    return out;
   }
   [[nodiscard]] static bool read(const der::Element& element, ANYBUF& field, const Scope& scope) {
     return store(field, element.content(), element.length, der::type_word(kTag), scope);
@@ -108,10 +118,11 @@ struct Bits {
     plan.add(std::uint64_t{field.length} + 1);
     return has_its_bytes(field) && field.length != UINT32_MAX;
   }
-  static void write(const ANYBUF& field, der::Writer& out) {
+  static der::Writer write(const ANYBUF& field, der::Writer out) {
     out.header(kTag, field.length + 1);
     out.octet(0);
     out.octets(field.data, field.length);
+    return out;
   }
   [[nodiscard]] static bool read(const der::Element& element, ANYBUF& field, const Scope& scope) {
     return der::has_whole_octets(element) &&

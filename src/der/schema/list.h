@@ -81,14 +81,15 @@ struct List {
     return true;
   }
 
-  static void write_element(const EntryRecord* entry, const Scope& scope, der::Writer& out) {
+  static der::Writer write_element(const EntryRecord* entry, const Scope& scope, der::Writer out) {
     if (entry == nullptr) {
       if (Rule::writes_null(scope)) out.null();
-      return;
+      return out;
     }
     out.open(der::kSequence);
     out.open(der::kSet);
-    for (; entry != nullptr; entry = entry->next) Entry::write_element(*entry, scope, out);
+    for (; entry != nullptr; entry = entry->next) out = Entry::write_element(*entry, scope, out);
+    return out;
   }
 
   [[nodiscard]] static bool read_element(Record& first, const Scope& scope, der::Cursor& in) {
@@ -137,12 +138,13 @@ struct Chained {
     return true;
   }
 
-  [[gnu::noinline]] static void write_element(const Record& first, const Scope& scope,
-                                              der::Writer& out) {
+  [[gnu::noinline]] static der::Writer write_element(const Record& first, const Scope& scope,
+                                                     der::Writer out) {
     out.open(der::kSequence);
     for (const Record* entry = &first; entry != nullptr; entry = entry->next) {
-      Entry::write_element(*entry, scope, out);
+      out = Entry::write_element(*entry, scope, out);
     }
+    return out;
   }
 
   [[nodiscard, gnu::noinline]] static bool read_element(Record& first, const Scope& scope,

@@ -42,10 +42,11 @@ struct Ready : Inner {
     plan.add_whole(node->length);
     return has_its_bytes(*node);
   }
-  static void write(const Record& record, const Scope& scope, der::Writer& out) {
+  static der::Writer write(const Record& record, const Scope& scope, der::Writer out) {
     if (scope.ready == nullptr) return Inner::write(record, scope, out);
     const ANYBUF* node = (*scope.ready)[Which];
     if (node != nullptr) out.octets(node->data, node->length);
+    return out;
   }
 };
 

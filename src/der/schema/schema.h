@@ -66,9 +66,12 @@ struct Field {
   [[nodiscard]] static bool plan(const Record& record, const Scope& /*scope*/, der::Plan& plan) {
     return each(record, [&](const auto& item) { return Codec::plan(item, plan); });
   }
-  static void write(const Record& record, const Scope& /*scope*/, der::Writer& out) {
-    static_cast<void>(
-        each(record, [&](const auto& item) { return Codec::write(item, out), true; }));
+  static der::Writer write(const Record& record, const Scope& /*scope*/, der::Writer out) {
+    static_cast<void>(each(record, [&](const auto& item) {
+      out = Codec::write(item, out);
+      return true;
+    }));
+    return out;
   }
   [[nodiscard]] static bool read(Record& record, const Scope& scope, der::Cursor& in) {
     return each(record, [&](auto& item) {
@@ -130,8 +133,9 @@ struct Raw {
     plan.add_whole(field.length);
     return der::is_one_element(field.data, field.length) && Accepts(field.data[0]);
   }
-  static void write(const Record& record, const Scope& /*scope*/, der::Writer& out) {
+  static der::Writer write(const Record& record, const Scope& /*scope*/, der::Writer out) {
     out.octets((record.*Member).data, (record.*Member).length);
+    return out;
   }
   [[nodiscard]] static bool read(Record& record, const Scope& scope, der::Cursor& in) {
     const bool fits = !in.at_end() && Accepts(in.peek());
@@ -164,8 +168,9 @@ struct Run {
   [[nodiscard]] static bool plan(const R& record, const Scope& scope, der::Plan& plan) {
     return (... && Fields::plan(record, scope, plan));
   }
-  static void write(const R& record, const Scope& scope, der::Writer& out) {
-    (Fields::write(record, scope, out), ...);
+  static der::Writer write(const R& record, const Scope& scope, der::Writer out) {
+    ((out = Fields::write(record, scope, out)), ...);
+    return out;
   }
   [[nodiscard]] static bool read(R& record, const Scope& scope, der::Cursor& in) {
     return (... && Fields::read(record, scope, in));
@@ -187,9 +192,9 @@ struct Schema : Run<R, Fields...> {
     plan.close(open);
     return true;
   }
-  static void write_element(const R& record, const Scope& scope, der::Writer& out) {
+  static der::Writer write_element(const R& record, const Scope& scope, der::Writer out) {
     out.open(der::kSequence);
-    Inside::write(record, scope, out);
+    return Inside::write(record, scope, out);
   }
   [[nodiscard]] static bool read_element(R& record, const Scope& scope, der::Cursor& in) {
     der::Element element;
@@ -224,8 +229,8 @@ struct Nested {
   [[nodiscard]] static bool plan(const Record& record, const Scope& scope, der::Plan& plan) {
     return Inner::plan_element(record.*Member, scope, plan);
   }
-  static void write(const Record& record, const Scope& scope, der::Writer& out) {
-    Inner::write_element(record.*Member, scope, out);
+  static der::Writer write(const Record& record, const Scope& scope, der::Writer out) {
+    return Inner::write_element(record.*Member, scope, out);
   }
   [[nodiscard]] static bool read(Record& record, const Scope& scope, der::Cursor& in) {
     return Inner::read_element(record.*Member, scope, in);
@@ -255,8 +260,8 @@ struct Either {
   [[nodiscard]] static bool plan(const Record& record, const Scope& scope, der::Plan& plan) {
     return Holds(scope) ? Inner::plan(record, scope, plan) : Otherwise::plan(record, scope, plan);
   }
-  static void write(const Record& record, const Scope& scope, der::Writer& out) {
-    Holds(scope) ? Inner::write(record, scope, out) : Otherwise::write(record, scope, out);
+  static der::Writer write(const Record& record, const Scope& scope, der::Writer out) {
+    return Holds(scope) ? Inner::write(record, scope, out) : Otherwise::write(record, scope, out);
   }
   [[nodiscard]] static bool read(Record& record, const Scope& scope, der::Cursor& in) {
     return Holds(scope) ? Inner::read(record, scope, in) : Otherwise::read(record, scope, in);
@@ -294,8 +299,7 @@ template <class S>
   if (plan.total() == 0) return 0;
   Node node(asn1::new_inline(plan.total(), 0));
   if (!node) return -1;
-  der::Writer out(node->data, plan);
-  S::write_element(*record, scope, out);
+  S::write_element(*record, scope, der::Writer(node->data, plan));
   node->type = der::type_word(node->data[0]);
   *slot = node.release();
   return 0;
@@ -318,8 +322,7 @@ template <class S>
   if (!S::plan_element(record, scope, plan) || !plan.fits()) return -1;
   if (buffer != nullptr) {
     if (*length < plan.total()) return -1;
-    der::Writer out(buffer, plan);
-    S::write_element(record, scope, out);
+    S::write_element(record, scope, der::Writer(buffer, plan));
   }
   *length = plan.total();
   return 0;

@@ -24,9 +24,9 @@ struct Wrapped : Inner {
     plan.close(open);
     return true;
   }
-  static void write_element(const Record& record, const Scope& scope, der::Writer& out) {
+  static der::Writer write_element(const Record& record, const Scope& scope, der::Writer out) {
     if (Holds(scope)) out.open(TagOctet);
-    Inner::write_element(record, scope, out);
+    return Inner::write_element(record, scope, out);
   }
 };
 
@@ -47,8 +47,8 @@ struct TaggedList : Wrapped<TagOctet, in_11, Inner> {
   [[nodiscard]] static bool plan_element(const Record& first, const Scope& scope, der::Plan& plan) {
     return absent(first, scope) || Tagged::plan_element(first, scope, plan);
   }
-  static void write_element(const Record& first, const Scope& scope, der::Writer& out) {
-    if (!absent(first, scope)) Tagged::write_element(first, scope, out);
+  static der::Writer write_element(const Record& first, const Scope& scope, der::Writer out) {
+    return absent(first, scope) ? out : Tagged::write_element(first, scope, out);
   }
 };
 
@@ -70,8 +70,8 @@ struct Marking : Wrapped<TagOctet, in_multi_sign, Inner> {
                                          der::Plan& plan) {
     return absent(record, scope) || Tagged::plan_element(record, scope, plan);
   }
-  static void write_element(const Record& record, const Scope& scope, der::Writer& out) {
-    if (!absent(record, scope)) Tagged::write_element(record, scope, out);
+  static der::Writer write_element(const Record& record, const Scope& scope, der::Writer out) {
+    return absent(record, scope) ? out : Tagged::write_element(record, scope, out);
   }
 };
 
@@ -104,8 +104,9 @@ struct Chain {
     }
     return true;
   }
-  static void write_element(const ANYBUF* node, const Scope& /*scope*/, der::Writer& out) {
+  static der::Writer write_element(const ANYBUF* node, const Scope& /*scope*/, der::Writer out) {
     for (; node != nullptr; node = node->next) out.octets(node->data, node->length);
+    return out;
   }
 };
 
