@@ -17,7 +17,7 @@ ROWS = [
     ["access", "policy"],
 ]
 RANK = {folder: rank for rank, row in enumerate(ROWS) for folder in row}
-SHARED_ASN1_HEADERS = {"asn1/der.h", "asn1/node.h"}  # the rest of asn1/ is libtqasn1's own
+SHARED_ASN1_HEADERS = {"asn1/der.h", "asn1/node.h", "asn1/writer.h"}  # the rest of asn1/ is libtqasn1's own
 INCLUDE = re.compile(r'\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')
 
 

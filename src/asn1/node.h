@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "asn1/der.h"
+#include "asn1/writer.h"
 
 namespace tq::asn1 {
 

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "asn1/der.h"
+#include "asn1/writer.h"
 #include "core/model/buffer.h"
 #include "core/model/layout.h"
 
@@ -32,7 +32,10 @@ inline Scope scope_of(const TqLabelHandle& label) { return {.layout = layout_of(
                                                     std::uint32_t length, std::uint32_t type,
                                                     const Scope& scope) {
   if (!scope.views) return replace(field, bytes, length, type);
-  field = view_of(length == 0 ? nullptr : bytes, length, type);
+  field.data = length == 0 ? nullptr : const_cast<der::Octet*>(bytes);
+  field.length = length;
+  field.form = ASN1_FORM_VIEW;
+  field.type = type;
   return true;
 }
 

@@ -1,4 +1,4 @@
-#include "asn1/der.h"
+#include "asn1/writer.h"
 
 #include <gtest/gtest.h>
 
