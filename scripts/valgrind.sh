@@ -4,12 +4,10 @@
 set -euo pipefail
 build=$1
 export TQLABEL_QUICK=1 # tests that sweep large ranges take a sample of them instead
-# These take many minutes here; the sanitizers run them in full.
-skip=Tree.MayBeDeepAndWide:Time.AgreesWithTheCalendarOfTheCLibrary:*WhateverOctetIsChanged
 
 failed=0
 for program in unit_tests abi_tests; do
   valgrind --quiet --leak-check=full --errors-for-leak-kinds=definite,indirect \
-    --error-exitcode=99 "$build/bin/$program" --gtest_brief=1 --gtest_filter="-$skip" || failed=1
+    --error-exitcode=99 "$build/bin/$program" --gtest_brief=1 || failed=1
 done
 exit $failed

@@ -4,76 +4,92 @@
 // What a label should hold after any sequence of calls, as plain values: what a setter stores, what
 // a version does not write, and what the getters must give back.
 
-#include <algorithm>
-#include <ostream>
-#include <sstream>
+#include <numeric>
 #include <tuple>
 
-#include "abi/support.h"
+#include "abi/records.h"
 
 namespace tq::abi {
 
-// One line per value, so that two labels that differ show where.
-class Report {
- public:
-  template <class Value>
-  Report& operator()(const char* name, const Value& value) {
-    out_ << name << ": ";
-    print(value);
-    out_ << '\n';
-    return *this;
-  }
-  [[nodiscard]] std::string str() const { return out_.str(); }
+// A byte field and the lengths that its setter takes.
+struct ByteRule {
+  const char* name;
+  Setter set;
+  Getter get;
+  bool body;
+  std::uint32_t counted = UINT32_MAX;  // of the length argument
+  std::uint32_t least = 0;
+  std::uint32_t most = UINT32_MAX;
+  std::uint32_t unit = 1;
 
- private:
-  void print(const Bytes& bytes) {
-    static constexpr const char* kDigits = "0123456789abcdef";
-    for (const std::uint8_t octet : bytes) out_ << kDigits[octet >> 4] << kDigits[octet & 15];
+  [[nodiscard]] bool takes(std::uint32_t length) const {
+    const std::uint32_t bytes = length & counted;
+    return bytes >= least && bytes <= most && bytes % unit == 0;
   }
-  void print(const std::vector<Issuer::Attribute>& name) {
-    for (const auto& [type, tag, value] : name) {
-      print(type);
-      out_ << '=' << tag << ':';
-      print(value);
-      out_ << ' ';
-    }
-  }
-  void print(const std::string& text) { out_ << text; }
-  void print(std::uint64_t number) { out_ << number; }
-
-  std::ostringstream out_;
+};
+enum ByteIndex : std::size_t {
+  kSerial = 1,
+  kHeadCertificate = 3,
+  kName = 5,
+  kTitle,
+  kCertificate,
+  kSignature
+};
+inline constexpr ByteRule kBytes[] = {
+    {"label", SetLabel, widened<GetLabel>, false, 0xFF, 1, 128},
+    {"serial", SetHeadSerialNum, widened<GetHeadSerialNum>, false, 0xFF, 1, 128},
+    {"custom", SetCustom, GetCustom, false},
+    {"head certificate", SetHeadSignCert, GetHeadSignCert, false},
+    {"head signature", SetHeadSignValue, GetHeadSignValue, false},
+    {"file name", SetFileName, widened<GetFileName>, true, 0xFF},
+    {"file title", GLSetFileTitle, widened<GLGetFileTitle>, true, 0xFF},
+    {"body certificate", SetBodySignCert, GetBodySignCert, true, UINT32_MAX, 1},
+    {"body signature", SetBodySigVal, GetBodySigVal, true, UINT32_MAX, 0, UINT32_MAX, 32},
 };
 
-template <class Byte>
-Bytes bytes_of(const Byte* data, std::size_t length) {
-  return data == nullptr ? Bytes(length, 0) : Bytes(data, data + length);
-}
-
-using Name = std::vector<Issuer::Attribute>;
+template <class Value>
+struct ValueRule {
+  std::int32_t (*set)(TqLabel, Value);  // null: the present, by a call of its own
+  std::int32_t (*get)(TqLabel, Value*);
+};
+constexpr std::size_t kFileAlign = 3;  // and what follows
+inline constexpr ValueRule<std::uint32_t> kNumbers[] = {
+    {GLSetFileType, GLGetFileType},
+    {SetFileSecc, GetFileSecc},
+    {GLSetFileSize, GLGetFileSize},
+    {SetFileAlignSize, GetFileAlignSize},
+    {SetFileUnEffectSize, GetFileUnEffectSize},
+    {SetLabelAlignSize, GetLabelAlignSize},
+};
+enum TimeIndex : std::size_t {
+  kCreated,
+  kHeadModified,
+  kModified,
+  kExpires,
+  kAbolished,
+  kDestroyed
+};
+inline constexpr ValueRule<std::uint64_t> kTimes[] = {
+    {nullptr, GetHeadCreateTime},   {SetHeadModifyTime, GetHeadModifyTime},
+    {SetModifyTime, GetModifyTime}, {SetExpired, GetExpired},
+    {nullptr, GetAbolishTime},      {SetDestroyTime, GetDestroyTime},
+};
 
 // A search for few attributes finds every name that has them; string types do not count.
 inline bool covers(const Name& name, const Name& asked) {
-  return std::all_of(asked.begin(), asked.end(), [&](const Issuer::Attribute& one) {
-    return std::any_of(name.begin(), name.end(), [&](const Issuer::Attribute& each) {
+  return std::ranges::all_of(asked, [&](const Issuer::Attribute& one) {
+    return std::ranges::any_of(name, [&](const Issuer::Attribute& each) {
       return each.type == one.type && each.value == one.value;
     });
   });
 }
 
-struct Person {
-  Bytes serial;
-  Name issuer;
-};
-
-struct Envelope {
-  Person person;
-  std::string algorithm;
-  Bytes key;
-  Bytes subject;                      // of the body's, as what follows
-  std::vector<std::uint32_t> values;  // from the first flag to the fourth number
-  std::vector<std::pair<std::uint16_t, std::uint32_t>> pairs;
-};
-constexpr std::size_t kReadCount = 2;  // among the values
+inline HeadEnvelope& envelope_of(HeadEnvelope& envelope) { return envelope; }
+inline HeadEnvelope& envelope_of(BodyEnvelope& envelope) { return envelope.envelope; }
+template <class Envelope>
+Recipient& recipient_of(Envelope& envelope) {
+  return envelope_of(envelope).to;
+}
 
 struct Signer {
   std::string algorithm;
@@ -81,7 +97,7 @@ struct Signer {
   Bytes cert;
 };
 struct LogEntry {
-  std::string values;
+  Said said;
   Name issuer;
 };
 struct Extension {
@@ -89,113 +105,16 @@ struct Extension {
   Bytes value;
 };
 
-enum class Kind { kText, kAny, kElement, kUnits };
-struct ByteRule {
-  const char* name;
-  Setter set;
-  Getter get;
-  Kind kind;
-  bool body;
-};
-enum ByteIndex : std::size_t {
-  kSerial = 1,
-  kHeadCertificate = 3,
-  kName = 5,
-  kTitle,
-  kBodyCertificate,
-  kBodySign
-};
-inline constexpr ByteRule kBytes[] = {
-    {"label", SetLabel, widened<GetLabel>, Kind::kText, false},
-    {"serial", SetHeadSerialNum, widened<GetHeadSerialNum>, Kind::kText, false},
-    {"custom", SetCustom, GetCustom, Kind::kAny, false},
-    {"head certificate", SetHeadSignCert, GetHeadSignCert, Kind::kElement, false},
-    {"head signature", SetHeadSignValue, GetHeadSignValue, Kind::kAny, false},
-    {"file name", SetFileName, widened<GetFileName>, Kind::kAny, true},
-    {"file title", GLSetFileTitle, widened<GLGetFileTitle>, Kind::kAny, true},
-    {"body certificate", SetBodySignCert, GetBodySignCert, Kind::kElement, true},
-    {"body signature", SetBodySigVal, GetBodySigVal, Kind::kUnits, true},
-};
-
-struct NumberRule {
-  const char* name;
-  std::int32_t (*set)(TqLabel, std::uint32_t);
-  std::int32_t (*get)(TqLabel, std::uint32_t*);
-};
-constexpr std::size_t kFileAlign = 3;  // and what follows
-inline constexpr NumberRule kNumbers[] = {
-    {"file type", GLSetFileType, GLGetFileType},
-    {"secrecy", SetFileSecc, GetFileSecc},
-    {"file size", GLSetFileSize, GLGetFileSize},
-    {"file align size", SetFileAlignSize, GetFileAlignSize},
-    {"uneffective size", SetFileUnEffectSize, GetFileUnEffectSize},
-    {"label align size", SetLabelAlignSize, GetLabelAlignSize},
-};
-
-struct TimeRule {
-  const char* name;
-  std::int32_t (*set)(TqLabel, std::uint64_t);  // null: the present, by a call of its own
-  std::int32_t (*get)(TqLabel, std::uint64_t*);
-};
-enum TimeIndex : std::size_t {
-  kCreated,
-  kHeadModified,
-  kModified,
-  kExpires,
-  kDestroyed,
-  kAbolished
-};
-inline constexpr TimeRule kTimes[] = {
-    {"created", nullptr, GetHeadCreateTime},
-    {"head modified", SetHeadModifyTime, GetHeadModifyTime},
-    {"modified", SetModifyTime, GetModifyTime},
-    {"expires", SetExpired, GetExpired},
-    {"destroyed", SetDestroyTime, GetDestroyTime},
-    {"abolished", nullptr, GetAbolishTime},
-};
-
-// Markings are kept as what describes them: a getter hands out what a setter took.
-inline std::string describe(const WaterMark& mark) {
-  return Report()("data 1", bytes_of(mark.data1, mark.data1Len))(
-             "data 2", bytes_of(mark.data2, mark.data2Len))("alg", mark.alg)(
-             "param", mark.algParam)("text", bytes_of(mark.text, mark.textLen))("time", mark.time)
-      .str();
+// The estimates count so many bytes for each attribute of a name, also for one that is empty.
+inline std::uint32_t name_size(const Name& name, std::uint32_t each) {
+  std::size_t sum = name.empty() ? each : 0;
+  for (const auto& [type, tag, value] : name) sum += type.size() + value.size() + each;
+  return static_cast<std::uint32_t>(sum);
 }
-inline std::string describe(const Finger& finger) {
-  Report report;
-  report("sys 1", bytes_of(finger.sys1, finger.sys1Len))("sys 2",
-                                                         bytes_of(finger.sys2, finger.sys2Len))(
-      "sys 3", bytes_of(finger.sys3, finger.sys3Len))("sys value", finger.sysValue);
-  for (std::uint32_t i = 0; i < finger.list.count; ++i) {
-    const FingerEntry& entry = finger.list.entries[i];
-    report("finger", bytes_of(entry.value, entry.valueLen))("flags", bytes_of(entry.action, 9));
-  }
-  return report.str();
-}
-inline std::string describe(const StampRecord& record) {
-  const auto& [name, nameLen, seal, stamp, bits, bitsLen] = record;
-  const Meta& meta = seal.meta;
-  Report report;
-  report("stamp name", bytes_of(name, nameLen))("stamp bits", bytes_of(bits, bitsLen));
-  report("seal name", bytes_of(seal.name, seal.nameLen))("seal type", seal.type);
-  report("seal data", bytes_of(seal.data, seal.dataLen));
-  report("seal element", bytes_of(seal.element, seal.elementLen));
-  report("seal bits", bytes_of(seal.bits, seal.bitsLen))("meta time 1", meta.time1);
-  report("meta element", bytes_of(meta.element, meta.elementLen))("meta time 2", meta.time2);
-  report("meta text 1", bytes_of(meta.text1, meta.text1Len))("meta time 3", meta.time3);
-  report("meta text 2", bytes_of(meta.text2, meta.text2Len))("stamp time", stamp.time);
-  report("stamp text 1", bytes_of(stamp.text1, stamp.text1Len));
-  report("stamp text 2", bytes_of(stamp.text2, stamp.text2Len));
-  report("stamp text 3", bytes_of(stamp.data, stamp.dataLen));
-  for (const std::uint32_t value : stamp.value) report("stamp value", value);
-  return report.str();
-}
-inline std::string describe(const LogInfo& log) {
-  return Report()("number", log.number)("text 1", bytes_of(log.text1, log.text1Len))(
-             "array 1", bytes_of(log.array1, log.array1Len))(
-             "array 2", bytes_of(log.array2, log.array2Len))("time", log.time)("value", log.value)(
-             "text 2", bytes_of(log.text2, log.text2Len))
-      .str();
+// What an algorithm is stored as: its name in "6.0", otherwise an identifier of so many octets.
+inline std::uint32_t stored_size(const std::string& algorithm, bool v60) {
+  if (v60 || algorithm.empty()) return static_cast<std::uint32_t>(algorithm.size());
+  return algorithm == "SM4" ? 7 : algorithm == "sm3WithSM2Encryption" ? 8 : 9;
 }
 
 struct Model {
@@ -207,47 +126,44 @@ struct Model {
   std::string sign_algorithm;  // as it is handed out
   std::string cipher;          // likewise
   std::uint32_t feedback_bits = 0;
-  std::vector<Envelope> head_envelopes;
+  std::vector<HeadEnvelope> head_envelopes;
   // The body:
-  std::vector<Envelope> body_envelopes;
+  std::vector<BodyEnvelope> body_envelopes;
   std::vector<LogEntry> logs;
   std::vector<Extension> extensions;
   std::vector<Signer> signers;
   Bytes file_number;  // with its terminating zero
   Bytes creator;
   std::uint32_t creator_time = 0;
-  std::string water_mark = describe(WaterMark{});
-  std::string stamp = describe(StampRecord{});
-  std::string finger = describe(Finger{});
+  Said water_mark = describe(WaterMark{});
+  Said stamp = describe(StampRecord{});
+  Said finger = describe(Finger{});
 
-  [[nodiscard]] bool v11() const { return !is_60(version); }
+  [[nodiscard]] bool v60() const { return is_60(version); }
   [[nodiscard]] bool multi() const { return is_multi_sign(version); }
 
   [[nodiscard]] bool head_encodes() const {
-    return (is_60(version) || !issuer.empty()) &&
+    return (v60() || !issuer.empty()) &&
            (sign_algorithm.empty() || !bytes[kHeadCertificate].empty());
   }
-  [[nodiscard]] bool body_encodes() const { return multi() || !bytes[kBodyCertificate].empty(); }
+  [[nodiscard]] bool body_encodes() const { return multi() || !bytes[kCertificate].empty(); }
 
   // What comes back from encoded bytes: what the version writes, as it writes it.
   [[nodiscard]] Model written() const {
     Model copy = *this;
-    if (is_60(version)) {
-      copy.feedback_bits = 0;
-      for (LogEntry& log : copy.logs) log.issuer.clear();
-    }
+    if (v60()) copy.feedback_bits = 0;
     if (!is_aligned(version)) std::fill(copy.numbers + kFileAlign, std::end(copy.numbers), 0U);
-    if (multi()) copy.bytes[kBodyCertificate] = copy.bytes[kBodySign] = {};
+    if (multi()) copy.bytes[kCertificate] = copy.bytes[kSignature] = {};
     const auto print = [](Name& name) {
       for (auto& attribute : name) {
         if (attribute.tag == 12) attribute.tag = 19;
+        if (attribute.type == kEmail) attribute.tag = 22;
       }
     };
     print(copy.issuer);
-    for (auto* list : {&copy.head_envelopes, &copy.body_envelopes}) {
-      for (Envelope& each : *list) print(each.person.issuer);
-    }
-    for (LogEntry& log : copy.logs) print(log.issuer);
+    for (auto& each : copy.head_envelopes) print(recipient_of(each).issuer);
+    for (auto& each : copy.body_envelopes) print(recipient_of(each).issuer);
+    for (LogEntry& log : copy.logs) v60() ? log.issuer.clear() : print(log.issuer);
     return copy;
   }
 
@@ -270,28 +186,88 @@ struct Model {
     return copy;
   }
 
-  [[nodiscard]] static auto find(std::vector<Envelope>& list, const Person& person) {
-    return std::find_if(list.begin(), list.end(), [&](const Envelope& each) {
-      return each.person.serial == person.serial && covers(each.person.issuer, person.issuer);
+  template <class Envelope>
+  [[nodiscard]] static auto find(std::vector<Envelope>& list, const Recipient& to) {
+    return std::ranges::find_if(list, [&](Envelope& each) {
+      return recipient_of(each).serial == to.serial && covers(recipient_of(each).issuer, to.issuer);
     });
   }
+
+  // The estimates of the label's parts: their bytes, and so many beside them.
+  [[nodiscard]] LabelSizeInfo sizes() const {
+    const auto sum = [](const auto& list, std::uint32_t some, auto size) {
+      return std::accumulate(list.begin(), list.end(), list.empty() ? 0U : some,
+                             [&](std::uint32_t so_far, auto& each) { return so_far + size(each); });
+    };
+    const auto marking = [this](const Said& said, std::uint32_t beside) {
+      return multi() && said.size == 0 ? 0 : said.size + beside;
+    };
+    LabelSizeInfo sizes{};
+    sizes.reserve = 1500;
+    sizes.customLen = size32(bytes[2]);
+    sizes.cipher = stored_size(cipher, v60());
+    sizes.headSignAlgLen = multi() ? 0 : stored_size(sign_algorithm, v60());
+    sizes.headSignLen = multi()
+                            ? sum(signers, 0,
+                                  [](const Signer& each) {
+                                    return size32(each.cert) + stored_size(each.algorithm, false) +
+                                           size32(each.value);
+                                  })
+                            : size32(bytes[kHeadCertificate]);
+    sizes.headEnvelopeCount = static_cast<std::uint32_t>(head_envelopes.size());
+    sizes.headEnvelopeSize = sum(
+        head_envelopes, 0, [](const HeadEnvelope& each) { return name_size(each.to.issuer, 8); });
+    sizes.bodyEnvelopeSize =
+        body_envelopes.empty() ? 2 : sum(body_envelopes, 8, [](const BodyEnvelope& each) {
+          return 154 + 4 + name_size(each.envelope.to.issuer, 4) + size32(each.privileges.data) +
+                 7 + (each.privileges.pairs.empty() ? 28U : 37U);
+        });
+    sizes.bodySignCertLen = size32(bytes[kCertificate]);
+    sizes.bodySignValueLen = size32(bytes[kSignature]);
+    sizes.stampSize = marking(stamp, 125);
+    sizes.waterMarkSize = marking(water_mark, 41);
+    sizes.creatorStr2Len = size32(creator);
+    sizes.fileNoLen = size32(file_number);
+    sizes.fileNameLen = size32(bytes[kName]);
+    sizes.fileTitleLen = size32(bytes[kTitle]);
+    sizes.extendSize =
+        sum(extensions, 12, [](const Extension& each) { return size32(each.value) + 11; });
+    sizes.logSize = sum(logs, 12, [](const LogEntry& each) {
+      return name_size(each.issuer, 4) + each.said.size + 38;
+    });
+    return sizes;
+  }
 };
+
+// The fields in their order, so that a failure shows which.
+inline std::vector<std::uint32_t> listed(const LabelSizeInfo& sizes) {
+  std::vector<std::uint32_t> fields(sizeof sizes / sizeof(std::uint32_t));
+  std::memcpy(fields.data(), &sizes, sizeof sizes);
+  return fields;
+}
+inline LabelSizeInfo sizes_of(TqLabel label) {
+  LabelSizeInfo sizes{};
+  EXPECT_EQ(LabCalSize(label, &sizes), 0);
+  return sizes;
+}
 
 // What the two of them have in common to say: the model of itself, the label through its getters.
 inline std::string describe(const Model& model) {
   Report report;
-  report("version", model.version)("issuer", model.issuer)("sign algorithm", model.sign_algorithm);
-  report("cipher", model.cipher)("feedback bits", model.feedback_bits);
-  for (std::size_t i = 0; i < std::size(kBytes); ++i) report(kBytes[i].name, model.bytes[i]);
-  for (std::size_t i = 0; i < std::size(kNumbers); ++i) report(kNumbers[i].name, model.numbers[i]);
-  for (std::size_t i = 0; i < std::size(kTimes); ++i) report(kTimes[i].name, model.times[i]);
-  report("file number", model.file_number)("creator", model.creator);
-  report("creator time", model.creator_time)("water mark", model.water_mark);
-  report("stamp", model.stamp)("finger", model.finger);
-  for (const LogEntry& log : model.logs) report("log", log.values)("by", log.issuer);
-  for (const Extension& each : model.extensions) report("type", each.type)("value", each.value);
-  for (const Signer& signer : model.signers)
-    report("cert", signer.cert)("signed", signer.value)("by", signer.algorithm);
+  report.line("version", model.version);
+  report.line("issuer", model.issuer);
+  report.line("algorithms", model.sign_algorithm, model.cipher, model.feedback_bits);
+  for (std::size_t i = 0; i < std::size(kBytes); ++i) report.line(kBytes[i].name, model.bytes[i]);
+  for (const std::uint32_t number : model.numbers) report.line("number", number);
+  for (const std::uint64_t time : model.times) report.line("time", time);
+  report.line("creator", model.file_number, model.creator, model.creator_time);
+  for (const Said* said : {&model.water_mark, &model.stamp, &model.finger}) {
+    report.line("marking", said->str());
+  }
+  for (const LogEntry& log : model.logs) report.line("log", log.said.str(), log.issuer);
+  for (const Extension& each : model.extensions) report.line("extension", each.type, each.value);
+  for (const Signer& each : model.signers)
+    report.line("signer", each.algorithm, each.value, each.cert);
   return report.str();
 }
 

@@ -1,8 +1,8 @@
-// What other programs make of encoded labels: every element is DER to OpenSSL, and the labels are
-// what docs/label.asn1 says to libtasn1. The algorithms are filled in all of them: an empty
-// OBJECT IDENTIFIER, which a label without a signature has, is an error to both readers.
+// What another program makes of encoded labels: to libtasn1 they are what docs/label.asn1 says. The
+// algorithms are filled in all of them: an empty OBJECT IDENTIFIER, which a label without a
+// signature has, is an error to it.
 
-#include "abi/support.h"
+#include "abi/records.h"
 
 // Behind OpenSSL's headers, which have a type of this name.
 #include <libtasn1.h>
@@ -10,17 +10,6 @@
 
 namespace tq::abi {
 namespace {
-
-void expect_der(const Element& element) {
-  for (const Element& child : element.children) expect_der(child);
-  if (element.constructed()) return;
-  const Bytes der = element.der();
-  const std::uint8_t* at = der.data();
-  const std::unique_ptr<ASN1_TYPE, Free<ASN1_TYPE_free>> value(
-      d2i_ASN1_TYPE(nullptr, &at, static_cast<long>(der.size())));
-  ASSERT_TRUE(value);
-  EXPECT_EQ(written_by(i2d_ASN1_TYPE, value.get()), der);
-}
 
 struct FreeTree {
   void operator()(asn1_node_st* tree) const { asn1_delete_structure(&tree); }
@@ -83,7 +72,6 @@ TEST_P(OtherReaders, TakeEveryShapeOfEveryVersion) {
         {sealed, encode_sealed(label, secret, EncodeLabelPadEncrypted)}};
     for (const auto& [type, der] : shapes) {
       SCOPED_TRACE(type);
-      expect_der(parse(der));
       read_as(module, type, der);
     }
   }
@@ -100,8 +88,8 @@ TEST_P(OtherReaders, FindTheFieldsWhereTheModuleHasThem) {
       {"body.content.fileSize", hex("00 FF FF FF FF")},
       {"body.content.expiryTime", text("20300317174640Z")},
       {"body.creator.fileNo", text("No. 1")},
-      {"body.stamp.seal.type", hex("09")},
-      {"body.fingerPrint.sys.value", hex("05")},
+      {"body.stamp.seal.type", hex("00 9C")},
+      {"body.fingerPrint.sys.value", hex("3C 70 53 BF")},
   };
   if (is_aligned(version)) {  // 02 00, 10 00 and 11
     expected.insert(expected.end(), {{"body.fileAlign.labelAlign", hex("02")},
@@ -111,7 +99,7 @@ TEST_P(OtherReaders, FindTheFieldsWhereTheModuleHasThem) {
   if (!is_60(version)) {
     expected.insert(expected.end(), {{"head.issuer.?2.?1.type", text("2.5.4.3")},
                                      {"head.issuer.?2.?1.value.printable", text("Root")},
-                                     {"body.envelopes.some.set.?2.envelope.serial", hex("01")},
+                                     {"body.envelopes.some.set.?2.envelope.serial", hex("02")},
                                      {"body.envelopes.some.set.?2.privilege.value4", hex("28")}});
   }
   for (const auto& [name, value] : expected) EXPECT_EQ(value_of(tree, name), value) << name;

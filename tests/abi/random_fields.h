@@ -4,26 +4,19 @@
 // Random calls of the setters that store one value or one record, each with what it does to the
 // model of the label.
 
-#include <ctime>
-#include <random>
-
-#include "abi/model.h"
+#include "abi/observed.h"
 
 namespace tq::abi {
 
-inline constexpr std::uint64_t kLastSecond = 253402300799;  // of the year 9999
-
 inline const char* const kSignAlgorithms[] = {"sm3WithSM2Encryption", "sha256WithRSAEncryption"};
-inline const char* const kWrappings[] = {"SM2", "RSA"};
 inline const Name kNames[] = {
     {{kCountry, 19, text("XX")}, {kCommonName, 12, text("Root")}},
     {{kCommonName, 19, text("Root")}},
-    {{kEmail, 22, text("a@b.xx")}, {kCommonName, 30, Bytes{0, 'R'}}},
-    {{kCountry, 19, text("XX")}, {kCommonName, 19, text("Other")}},
+    {{kEmail, 4, text("a@b.xx")}, {kCommonName, 30, Bytes{0, 'R'}}},
+    Name(10, {kCommonName, 19, pattern(128)}),
     {},  // finds everybody; nobody is stored with it
 };
-inline constexpr std::uint32_t kFullNames = 4;
-inline const Bytes kSerials[] = {{1}, {2}, {0, 0x80}};
+inline const Bytes kSerials[] = {{1}, {2}, {0, 0x80}, pattern(128)};
 
 class FieldDriver {
  public:
@@ -43,38 +36,32 @@ class FieldDriver {
   // Often nothing, which many calls take for a sign.
   Bytes some(std::size_t limit) { return pattern(below(5) == 0 ? 0 : below(limit), below(26)); }
   Bytes sequence(std::size_t limit = 300) { return tlv(0x30, tlv(0x04, some(limit))); }
-  std::uint64_t second() { return flip() ? below(3) : kLastSecond - below(3); }
-  const Name& full_name() { return kNames[below(kFullNames)]; }
+  Recipient somebody() { return {one_of(kSerials), one_of(kNames)}; }
 
   void set_bytes() {
     const std::size_t index = below(std::size(kBytes));
     const ByteRule& rule = kBytes[index];
-    Bytes bytes = some(rule.kind == Kind::kText ? 140 : 256);
-    if (rule.kind == Kind::kElement)
-      bytes = index == kHeadCertificate && flip() ? Bytes{} : sequence();
-    if (rule.kind == Kind::kUnits && flip())
-      bytes = some(5).empty() ? Bytes{} : pattern(64, below(26));
-    const bool taken = rule.kind == Kind::kText    ? !bytes.empty() && bytes.size() <= 128
-                       : rule.kind == Kind::kUnits ? bytes.size() % 32 == 0
-                                                   : true;
-    const std::uint32_t size = size32(bytes);
-    bytes.push_back(0);  // so that there is a pointer to no bytes
-    EXPECT_EQ(rule.set(label_, bytes.data(), size), taken ? 0 : -1) << rule.name;
-    bytes.pop_back();
+    Bytes bytes = flip() ? pattern(64, below(26)) : some(300);
+    if (index == kHeadCertificate || index == kCertificate) bytes = flip() ? Bytes{} : sequence();
+    const bool taken = rule.takes(size32(bytes));
+    EXPECT_EQ(rule.set(label_, pointer(bytes), size32(bytes)), taken ? 0 : -1) << rule.name;
+    bytes.resize(size32(bytes) & rule.counted);
     if (taken) model_.bytes[index] = bytes;
   }
 
   void set_value() {
     const std::size_t time = below(std::size(kTimes));
-    const auto before = static_cast<std::uint64_t>(std::time(nullptr)) - 1;
+    std::uint64_t& set = model_.times[time];
     if (kTimes[time].set != nullptr) {
-      model_.times[time] = second();
-      EXPECT_EQ(kTimes[time].set(label_, model_.times[time]), 0);
+      set = flip() ? below(3) : kLastSecond - below(3);
+      EXPECT_EQ(kTimes[time].set(label_, set), 0);
     } else {
+      const std::time_t before = std::time(nullptr);
+      const std::uint64_t ago = time == kCreated ? 0 : 1;  // a second: it has passed already
       EXPECT_EQ((time == kCreated ? SetHeadCreateTime : AbolishSF)(label_), 0);
-      EXPECT_EQ(kTimes[time].get(label_, &model_.times[time]), 0);
-      EXPECT_GE(model_.times[time], before);
-      EXPECT_LE(model_.times[time], before + 60);
+      EXPECT_EQ(kTimes[time].get(label_, &set), 0);
+      EXPECT_GE(set + ago, static_cast<std::uint64_t>(before));
+      EXPECT_LE(set + ago, static_cast<std::uint64_t>(std::time(nullptr)));
     }
     const std::size_t number = below(std::size(kNumbers));
     const std::uint32_t value = flip() ? any() : below(300);
@@ -86,7 +73,7 @@ class FieldDriver {
   // An unknown name removes the earlier one in the "1.1" family and is as good as any in "6.0".
   void set_signature() {
     const std::string name = below(5) == 0 ? "unknown" : one_of(kSignAlgorithms);
-    const bool known = name != "unknown" || is_60(model_.version);
+    const bool known = name != "unknown" || model_.v60();
     EXPECT_EQ(SetHeadSignAlg(label_, text(name).data(), size32(text(name))), known ? 0 : -1);
     model_.sign_algorithm = known ? name : "";
   }
@@ -95,111 +82,78 @@ class FieldDriver {
     static const char* const kCiphers[] = {"AES.256.CBC", "SM4", "", "unknown"};
     const std::string name = one_of(kCiphers);
     const std::uint32_t bits = below(256);
-    const bool v60 = is_60(model_.version);
-    const bool taken = name != "unknown" || v60;
-    const std::int32_t result = SetEncryptHead(label_, text(name + "?").data(),
-                                               static_cast<std::uint32_t>(name.size()), bits);
-    EXPECT_EQ(result, taken ? 0 : -1);
+    const bool taken = name != "unknown" || model_.v60();
+    const std::uint32_t length = kHighBits | size32(text(name));
+    EXPECT_EQ(SetEncryptHead(label_, text(name + "?").data(), length, kHighBits | bits),
+              taken ? 0 : -1);
     if (!taken) return;
-    model_.cipher = v60 ? name : name.substr(0, name.find('.'));
-    if (v60 || !name.empty()) model_.feedback_bits = bits;
+    model_.cipher = model_.v60() ? name : name.substr(0, name.find('.'));
+    if (model_.v60() || !name.empty()) model_.feedback_bits = bits;
   }
 
   void set_issuer() {
-    const Issuer issuer(one_of(kNames));
-    const Bytes& serial = one_of(kSerials);
-    const bool taken = is_60(model_.version) || issuer.get()->count != 0;
-    EXPECT_EQ(SetCertSerialAndIssuerToHead(label_, serial.data(), size32(serial), issuer.get()),
+    const auto [serial, name] = somebody();
+    const bool taken = model_.v60() || !name.empty();
+    EXPECT_EQ(SetCertSerialAndIssuerToHead(label_, serial.data(), kHighBits | size32(serial),
+                                           Issuer(name).get()),
               taken ? 0 : -1);
     model_.bytes[kSerial] = serial;
-    if (taken && model_.v11()) model_.issuer = attributes_of(issuer.get());
+    if (taken && !model_.v60()) model_.issuer = name;
   }
 
-  void set_record() {
-    Bytes first = some(40);
-    Bytes second_text = some(40);
+  void set_content() {
+    const Filled<ContentAttrInfo> filled(any());
+    const ContentAttrInfo& content = filled.record;
+    const bool fresh = model_.bytes[kName].empty() && model_.bytes[kTitle].empty();
+    EXPECT_EQ(SetContentAtrr(label_, &content), fresh ? 0 : -1) << "works once";
+    if (!fresh) return;
+    model_.bytes[kName].assign(content.fileName, content.fileName + content.fileNameLen);
+    model_.bytes[kTitle].assign(content.fileTitle, content.fileTitle + content.fileTitleLen);
+    const std::uint32_t numbers[] = {content.fileType, content.secrecy, content.fileSize};
+    std::ranges::copy(numbers, model_.numbers);
+    const std::uint64_t times[] = {content.modifyTime, content.expiryTime, content.abolishTime,
+                                   content.destroyTime};
+    std::ranges::copy(times, model_.times + kModified);
+  }
+
+  void set_creator() {
+    Bytes number = some(40);
+    Bytes second = some(40);
+    const FileCreatorInfo creator{number.data(), size32(number), second.data(), size32(second),
+                                  below(1000)};
     if (flip()) {
-      const ContentAttrInfo content{below(9),
-                                    below(9),
-                                    below(9),
-                                    first.data(),
-                                    size32(first),
-                                    second_text.data(),
-                                    size32(second_text),
-                                    second(),
-                                    second(),
-                                    second(),
-                                    second()};
-      const bool fresh = model_.bytes[kName].empty() && model_.bytes[kTitle].empty();
-      EXPECT_EQ(SetContentAtrr(label_, &content), fresh ? 0 : -1) << "works once";
-      if (!fresh) return;
-      model_.bytes[kName] = first;
-      model_.bytes[kTitle] = second_text;
-      const std::uint32_t numbers[] = {content.fileType, content.secrecy, content.fileSize};
-      std::copy(std::begin(numbers), std::end(numbers), model_.numbers);
-      model_.times[kModified] = content.modifyTime;
-      model_.times[kExpires] = content.expiryTime;
-      model_.times[kAbolished] = content.abolishTime;
-      model_.times[kDestroyed] = content.destroyTime;
-    } else if (flip()) {
-      const FileCreatorInfo creator{first.data(), size32(first), second_text.data(),
-                                    size32(second_text), below(1000)};
       EXPECT_EQ(SetBodyFileCreator(label_, &creator), 0);
-      if (!first.empty()) model_.file_number = first;
-      if (!second_text.empty()) model_.creator = second_text;
+      if (!second.empty()) model_.creator = second;
       model_.creator_time = creator.time;
     } else {
-      first.push_back(0);
-      EXPECT_EQ(GLSetFileNo(label_, reinterpret_cast<const char*>(first.data())), 0);
-      model_.file_number = first;
+      number.push_back(0);
+      EXPECT_EQ(GLSetFileNo(label_, reinterpret_cast<const char*>(number.data())), 0);
     }
+    if (!number.empty()) model_.file_number = number;
   }
 
   void set_marking() {
-    Bytes bytes = some(60);
-    bytes.push_back('.');
-    const std::uint32_t size = size32(bytes);
-    Bytes element = sequence();
-    Bytes small = sequence(60);
-    std::string words(below(20), 'w');
-    const auto counted = static_cast<std::uint32_t>(words.size() + 1);
     const std::uint32_t which = below(3);
     if (which == 0) {
-      const WaterMark mark{bytes.data(), size,         bytes.data(), size,    below(9),
-                           below(9),     words.data(), counted,      second()};
-      EXPECT_EQ(SetWaterMarkInfo(label_, &mark), 0);
-      model_.water_mark = describe(mark);
+      const Filled<WaterMark> mark(any());
+      EXPECT_EQ(SetWaterMarkInfo(label_, &mark.record), 0);
+      model_.water_mark = describe(mark.record);
     } else if (which == 1) {
-      const Meta meta{small.data(), static_cast<std::uint8_t>(small.size()),
-                      second(),     bytes.data(),
-                      size,         second(),
-                      second(),     bytes.data(),
-                      size};
-      const Seal seal{bytes.data(), size, meta,           static_cast<std::uint8_t>(below(256)),
-                      bytes.data(), size, element.data(), size32(element),
-                      bytes.data(), size};
-      StampRecord record{bytes.data(), size, seal, {}, bytes.data(), size};
-      record.stamp = {words.data(), counted,  {1, below(9), 3, 4}, words.data(),
-                      counted,      second(), bytes.data(),        size};
-      EXPECT_EQ(SetStampInfo(label_, &record), 0);
+      Filled<StampRecord> filled(any());
+      EXPECT_EQ(SetStampInfo(label_, &filled.record), 0);
       // The second text is stored with its own length, but with the bytes of the data.
-      Bytes stored = bytes;
-      stored.resize(counted, 0);
-      record.stamp.text2 = reinterpret_cast<char*>(stored.data());
-      model_.stamp = describe(record);
+      Stamp& stamp = filled.record.stamp;
+      Bytes stored(stamp.data, stamp.data + stamp.dataLen);
+      stored.resize(stamp.text2Len, 0);
+      stamp.text2 = reinterpret_cast<char*>(stored.data());
+      model_.stamp = describe(filled.record);
     } else {
-      std::vector<FingerEntry> entries(1 + below(3), {small.data(), size32(small), {}});
-      for (FingerEntry& entry : entries) entry.action[below(9)] = 1;
-      const Finger finger{bytes.data(), size, bytes.data(), size,
-                          bytes.data(), size, below(1000),  {size32_of(entries), entries.data()}};
-      EXPECT_EQ(SetFingerPrintInfo(label_, &finger), 0);
-      std::reverse(entries.begin(), entries.end());
-      model_.finger = describe(finger);
+      const Filled<Finger> finger(any());
+      EXPECT_EQ(SetFingerPrintInfo(label_, &finger.record), 0);
+      const FingerList& list = finger.record.list;
+      std::reverse(list.entries, list.entries + list.count);
+      model_.finger = describe(finger.record);
     }
-  }
-  template <class Value>
-  static std::uint32_t size32_of(const std::vector<Value>& values) {
-    return static_cast<std::uint32_t>(values.size());
   }
 
   // Outside "1.1.2" there is one signature: what its own setters refuse is passed over.
@@ -214,8 +168,8 @@ class FieldDriver {
       // A null value is a missing one, and leaves its record empty, too.
       model_.signers.push_back(signer.value.empty() ? Signer{} : signer);
     } else if (!signer.value.empty()) {
-      model_.bytes[kBodyCertificate] = signer.cert;
-      if (signer.value.size() % 32 == 0) model_.bytes[kBodySign] = signer.value;
+      model_.bytes[kCertificate] = signer.cert;
+      if (signer.value.size() % 32 == 0) model_.bytes[kSignature] = signer.value;
     }
   }
 

@@ -1,12 +1,13 @@
 #ifndef TQ_TESTS_ABI_RECORDS_H
 #define TQ_TESTS_ABI_RECORDS_H
 
-// Records of lists and markings as values: a test compares what it put in with what comes back.
-// Inputs own the bytes that their C record points to.
+// The records that callers share with the library. Each names its fields once, for visitors that
+// fill it, say what it holds, and take its buffers away one by one; envelopes are plain values.
 
-#include <array>
-#include <memory>
+#include <list>
 #include <optional>
+#include <random>
+#include <tuple>
 
 #include "abi/support.h"
 
@@ -14,6 +15,7 @@ namespace tq::abi {
 
 inline constexpr const char* kFamily[] = {"1.1", "1.1.1", "1.1.2"};  // versions with envelopes
 inline constexpr std::uint32_t kHighBits = 0x5A5A5A00;               // above an 8-bit argument
+inline constexpr std::uint64_t kLastSecond = 253402300799;           // of the year 9999
 
 // No bytes, but not null.
 inline std::uint8_t* pointer(Bytes& bytes) {
@@ -21,16 +23,170 @@ inline std::uint8_t* pointer(Bytes& bytes) {
   return bytes.empty() ? &none : bytes.data();
 }
 
-// A buffer that the library made: there is a zero behind it.
-inline Bytes made(const void* data, std::uint32_t length) {
-  if (data == nullptr) {
-    EXPECT_EQ(length, 0U);
-    return {};
-  }
-  const auto* bytes = static_cast<const std::uint8_t*>(data);
-  EXPECT_EQ(bytes[length], 0);
-  return {bytes, bytes + length};
+struct Whole {};  // marks a buffer that holds one element
+
+template <class Function>
+void visit(WaterMark& mark, Function&& f) {
+  f(mark.data1, mark.data1Len), f(mark.data2, mark.data2Len), f(mark.text, mark.textLen);
+  f(mark.alg), f(mark.algParam), f(mark.time);
 }
+// Buffers in the order in which the library asks for them.
+template <class Function>
+void visit(StampRecord& record, Function&& f) {
+  Seal& seal = record.seal;
+  Meta& meta = seal.meta;
+  Stamp& stamp = record.stamp;
+  f(record.name, record.nameLen), f(record.bits, record.bitsLen), f(seal.data, seal.dataLen);
+  f(seal.element, seal.elementLen, Whole()), f(meta.element, meta.elementLen, Whole());
+  f(meta.text1, meta.text1Len), f(meta.text2, meta.text2Len), f(stamp.text1, stamp.text1Len);
+  f(stamp.text2, stamp.text2Len), f(stamp.data, stamp.dataLen);
+  f(seal.name, seal.nameLen), f(seal.bits, seal.bitsLen);
+  std::uint32_t type = seal.type;
+  f(type), seal.type = static_cast<std::uint8_t>(type);
+  f(meta.time1), f(meta.time2), f(meta.time3), f(stamp.time);
+  for (std::uint32_t& value : stamp.value) f(value);
+}
+template <class Function>
+void visit(Finger& finger, Function&& f) {
+  f(finger.sys1, finger.sys1Len), f(finger.sys2, finger.sys2Len), f(finger.sys3, finger.sys3Len);
+  f(finger.sysValue);
+  for (std::uint32_t i = 0; i < finger.list.count; ++i) {
+    f(finger.list.entries[i].value, finger.list.entries[i].valueLen, Whole());
+    for (std::uint8_t& flag : finger.list.entries[i].action) f(flag);
+  }
+}
+template <class Function>
+void visit(LogInfo& log, Function&& f) {
+  f(log.text1, log.text1Len), f(log.array1, log.array1Len), f(log.array2, log.array2Len);
+  f(log.text2, log.text2Len), f(log.number), f(log.time), f(log.value);
+}
+template <class Function>
+void visit(ContentAttrInfo& info, Function&& f) {
+  f(info.fileName, info.fileNameLen), f(info.fileTitle, info.fileTitleLen);
+  f(info.fileType), f(info.secrecy), f(info.fileSize);
+  f(info.modifyTime), f(info.expiryTime), f(info.abolishTime), f(info.destroyTime);
+}
+
+// A record that is filled at random, with the bytes that it points to.
+template <class Record>
+class Filled {
+ public:
+  explicit Filled(std::uint32_t seed = 1) : random_(seed) {
+    if constexpr (std::is_same_v<Record, Finger>) record.list = {1 + seed % 3, entries_};
+    if constexpr (std::is_same_v<Record, LogInfo>) record.issuer = &issuer_.record();
+    visit(record, *this);
+  }
+  Filled(const Filled&) = delete;
+  Filled& operator=(const Filled&) = delete;
+
+  void operator()(std::uint8_t*& data, std::uint32_t& length) {
+    keep(data, length, pattern(1 + below(below(4) == 0 ? 255 : 40), below(26)));
+  }
+  template <class Length>
+  void operator()(std::uint8_t*& data, Length& length, Whole /*element*/) {
+    keep(data, length, tlv(0x30, tlv(0x04, pattern(below(200)))));
+  }
+  void operator()(char*& data, std::uint32_t& length) {  // stored with its terminator
+    keep(data, length, concat(pattern(below(20)), Bytes{0}));
+  }
+  void operator()(std::uint8_t& flag) { flag = below(2) != 0; }
+  void operator()(std::uint32_t& number) { number = below(UINT32_MAX); }
+  void operator()(std::uint64_t& time) { time = below(2) != 0 ? below(3) : kLastSecond - below(3); }
+
+  Record record{};
+
+ private:
+  std::uint32_t below(std::uint32_t limit) {
+    return static_cast<std::uint32_t>(random_() * limit >> 32);
+  }
+  template <class Byte, class Length>
+  void keep(Byte*& data, Length& length, Bytes bytes) {
+    length = static_cast<Length>(bytes.size());
+    data = reinterpret_cast<Byte*>(kept_.emplace_back(std::move(bytes)).data());
+  }
+
+  std::mt19937 random_;
+  std::list<Bytes> kept_;
+  FingerEntry entries_[3] = {};
+  Issuer issuer_{{{kCommonName, 19, text("Log")}}};
+};
+
+// Values as lines of text, so that two that differ show where.
+class Report {
+ public:
+  template <class... Values>
+  void line(const char* name, const Values&... values) {
+    text_ += name;
+    (print(values), ...);
+    text_ += '\n';
+  }
+  [[nodiscard]] const std::string& str() const { return text_; }
+
+ private:
+  void print(const std::string& text) { text_ += ' ' + text; }
+  void print(std::uint64_t number) { print(std::to_string(number)); }
+  void print(const Bytes& bytes) {
+    text_ += ' ';
+    for (const std::uint8_t octet : bytes) {
+      text_ += {"0123456789abcdef"[octet >> 4], "0123456789abcdef"[octet & 15]};
+    }
+  }
+  void print(const Name& name) {
+    for (const auto& [type, tag, value] : name) print(type), print(tag), print(value);
+  }
+
+  std::string text_;
+};
+
+// What a record says, and how many bytes its buffers hold.
+struct Said : Report {
+  template <class Byte, class Length>
+  void operator()(Byte* data, Length length, Whole /*element*/ = {}) {
+    line("buffer", data == nullptr ? Bytes(length) : Bytes(data, data + length));
+    size += length;
+  }
+  void operator()(std::uint64_t value) { line("value", value); }
+
+  std::uint32_t size = 0;
+};
+template <class Record>
+Said describe(Record record) {
+  Said said;
+  visit(record, said);
+  return said;
+}
+
+// What getters make. There is a zero behind each buffer, and none without bytes but those of a log.
+struct Released {
+  void operator()(WaterMark* mark) const {
+    EXPECT_EQ(FreetWaterMarkInfo(mark), 0);
+    Asn1Free(mark->text);
+    Asn1Free(mark);
+  }
+  void operator()(StampRecord* stamp) const { EXPECT_EQ(FreeStampA(stamp), 0); }
+  void operator()(Finger* finger) const { EXPECT_EQ(FreeFingerPrintInfo(finger), 0); }
+  void operator()(LogInfo* log) const { FreeLog(log); }
+};
+template <class Record>
+struct CheckMade {
+  template <class Byte, class Length>
+  void operator()(Byte* data, Length length, Whole /*element*/ = {}) const {
+    const bool none = length == 0 && !std::is_same_v<Record, LogInfo>;
+    EXPECT_EQ(data == nullptr, none);
+    EXPECT_TRUE(none || sizeof length == 1 || data[length] == 0);
+  }
+  void operator()(std::uint64_t /*value*/) const {}
+};
+template <class Record, class Get, class... At>
+std::unique_ptr<Record, Released> take(Get getter, TqLabel label, At... at) {
+  Record* record = nullptr;
+  const bool done = getter(label, at..., &record) == 0;
+  EXPECT_EQ(done, record != nullptr);
+  if (record != nullptr) visit(*record, CheckMade<Record>());
+  return std::unique_ptr<Record, Released>(record);
+}
+
+// Envelopes
 
 inline const Bytes kSubject = hex("30 05 04 03 61 62 63");
 
@@ -50,13 +206,22 @@ struct HeadEnvelope {
   bool operator==(const HeadEnvelope&) const = default;
 };
 
+// The values of a privilege beside its bytes and its pairs.
+template <class Info>
+auto values_of(Info& info) {
+  return std::tie(info.flag1, info.number1, info.readCount, info.flag2, info.flag3, info.flag4,
+                  info.number3, info.number4);
+}
+using Flag = std::uint8_t;
+using Number = std::uint32_t;
 struct Privileges {
   Bytes data = kSubject;
-  std::array<std::uint8_t, 4> flags = {1, 0, 1, 0};
-  std::array<std::uint32_t, 4> numbers = {11, 22, 33, 44};  // the second one counts reads
+  std::tuple<Flag, Number, Number, Flag, Flag, Flag, Number, Number> values = {1, 11, 22, 0,
+                                                                               1, 0,  33, 44};
   std::vector<std::pair<std::uint16_t, std::uint32_t>> pairs;
   bool operator==(const Privileges&) const = default;
 };
+constexpr std::size_t kReadCount = 2;  // among the values
 
 struct BodyEnvelope {
   HeadEnvelope envelope;
@@ -74,25 +239,17 @@ inline EnvelopeInfo view(HeadEnvelope& envelope, Issuer& issuer) {
           &issuer.record()};
 }
 inline PrivilegeInfo view(Privileges& from, std::vector<PrivilegeEntry>& entries) {
-  for (const auto& [type, value] : from.pairs) {
-    PrivilegeEntry entry;
-    std::memset(&entry, 0, sizeof entry);  // the padding as well
-    entry.type = type;
-    entry.value = value;
-    entries.push_back(entry);
+  entries.assign(from.pairs.size(), {});  // the padding as well
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    std::tie(entries[i].type, entries[i].value) = from.pairs[i];
   }
-  return {pointer(from.data),
-          size32(from.data),
-          from.flags[0],
-          from.numbers[0],
-          from.numbers[1],
-          from.flags[1],
-          from.flags[2],
-          from.flags[3],
-          from.numbers[2],
-          from.numbers[3],
-          static_cast<std::uint32_t>(entries.size()),
-          entries.data()};
+  PrivilegeInfo info{};
+  info.data = pointer(from.data);
+  info.dataLen = size32(from.data);
+  values_of(info) = from.values;
+  info.entryCount = static_cast<std::uint32_t>(entries.size());
+  info.entries = entries.data();
+  return info;
 }
 
 inline std::int32_t add_to_head(TqLabel label, HeadEnvelope envelope) {
@@ -109,22 +266,19 @@ inline std::int32_t add_to_body(TqLabel label, HeadEnvelope envelope, Privileges
 }
 
 // Room for one envelope of a body: addressed to a recipient, or for whatever comes.
-class Room {
- public:
-  Room() : alg_(32, 0xEE), serial_(255, 0xEE), key_(300, 0xEE), data_(300, 0xEE) {
-    std::memset(entries_, 0xEE, sizeof entries_);
-    std::memset(names_, 0xEE, sizeof names_);
-    envelope = {alg_.data(), 32, serial_.data(), 255, key_.data(), 300, &issuer};
-    privilege.data = data_.data();
-    privilege.dataLen = 300;
-    privilege.entries = entries_;
+struct Room {
+  Room() {
+    std::memset(pairs, 0xEE, sizeof pairs);
+    privilege.data = data.data();
+    privilege.dataLen = size32(data);
+    privilege.entries = pairs;
     privilege.entryCount = 30;
   }
   explicit Room(const Recipient& to) : Room() {
     const Issuer name(to.issuer);
-    std::copy(name.get()->entries, name.get()->entries + name.get()->count, names_);
     issuer.count = name.get()->count;
-    std::copy(to.serial.begin(), to.serial.end(), serial_.begin());
+    std::copy_n(name.get()->entries, issuer.count, names);
+    std::ranges::copy(to.serial, serial.begin());
     envelope.serialLen = static_cast<std::uint8_t>(to.serial.size());
   }
   Room(const Room&) = delete;
@@ -137,23 +291,21 @@ class Room {
     out.envelope.alg = {envelope.alg, envelope.alg + envelope.algLen};
     out.envelope.key = {envelope.key, envelope.key + envelope.keyLen};
     out.privileges.data = {privilege.data, privilege.data + privilege.dataLen};
-    out.privileges.flags = {privilege.flag1, privilege.flag2, privilege.flag3, privilege.flag4};
-    out.privileges.numbers = {privilege.number1, privilege.readCount, privilege.number3,
-                              privilege.number4};
+    out.privileges.values = values_of(privilege);
     for (std::uint32_t i = 0; i < privilege.entryCount; ++i) {
       out.privileges.pairs.emplace_back(privilege.entries[i].type, privilege.entries[i].value);
     }
     return out;
   }
 
- private:
-  Bytes alg_, serial_, key_, data_;
-  PrivilegeEntry entries_[30];
-  PJCertIssuerEntry names_[10];
-
- public:
-  PJCertIssuer issuer{names_, 0, 10};
-  EnvelopeInfo envelope{};
+  Bytes alg = Bytes(32, 0xEE);
+  Bytes serial = Bytes(255, 0xEE);
+  Bytes key = Bytes(350, 0xEE);
+  Bytes data = Bytes(350, 0xEE);
+  PrivilegeEntry pairs[30];
+  PJCertIssuerEntry names[10]{};
+  PJCertIssuer issuer{names, 0, 10};
+  EnvelopeInfo envelope{alg.data(), 32, serial.data(), 255, key.data(), 350, &issuer};
   PrivilegeInfo privilege{};
 };
 
@@ -168,16 +320,6 @@ inline std::optional<HeadEnvelope> from_head(TqLabel label, const Recipient& to)
   return room.taken().envelope;
 }
 
-// The serial numbers of a list in its order, as they stand in the encoded label.
-inline std::vector<Bytes> serials_in(const Element& list, bool of_body, const char* version) {
-  std::vector<Bytes> serials;
-  if (list.tag == 0x05) return serials;
-  for (const Element& entry : list.children.at(0).children) {
-    const Element& envelope = of_body ? entry.children.at(0) : entry;
-    serials.push_back(envelope.children.at(is_60(version) ? 0 : 1).content);
-  }
-  return serials;
-}
 inline Element& head_list(Element& tree, const char* version) {
   Element& head = tree.children.at(0);
   return is_60(version) ? head.children.at(4).children.at(2) : head.children.at(7).children.at(3);
@@ -185,15 +327,6 @@ inline Element& head_list(Element& tree, const char* version) {
 inline Element& body_list(Element& tree, const char* version) {
   return tree.children.at(1).children.at(is_multi_sign(version) ? 1 : 2);
 }
-inline std::vector<Bytes> head_serials(TqLabel label, const char* version) {
-  Element tree = parse(encode(label));
-  return serials_in(head_list(tree, version), false, version);
-}
-inline std::vector<Bytes> body_serials(TqLabel label, const char* version) {
-  Element tree = parse(encode(label));
-  return serials_in(body_list(tree, version), true, version);
-}
-
 // A "6.0" label with envelopes in head and body; no function adds them. Serial numbers from 1.
 inline Bytes label_60_with_envelopes(std::uint8_t count) {
   Label label;
@@ -202,12 +335,12 @@ inline Bytes label_60_with_envelopes(std::uint8_t count) {
   Bytes of_body;
   for (std::uint8_t i = 1; i <= count; ++i) {
     const Bytes envelope =
-        tlv(0x30, join(join(tlv(0x02, {i}), tlv(0x13, text("sm2"))), tlv(0x04, pattern(16, i))));
-    const Bytes rights = tlv(0x30, join(kSubject, hex("01 01 FF  02 01 0B  02 01 16  01 01 00"
-                                                      "01 01 FF  01 01 00  02 01 21  02 01 2C"
-                                                      "05 00")));
-    of_head = join(of_head, envelope);
-    of_body = join(of_body, tlv(0x30, join(envelope, rights)));
+        tlv(0x30, concat(tlv(0x02, {i}), tlv(0x13, text("sm2")), tlv(0x04, pattern(16, i))));
+    const Bytes rights = tlv(0x30, concat(kSubject, hex("01 01 FF  02 01 0B  02 01 16  01 01 00"
+                                                        "01 01 FF  01 01 00  02 01 21  02 01 2C"
+                                                        "05 00")));
+    of_head = concat(of_head, envelope);
+    of_body = concat(of_body, tlv(0x30, concat(envelope, rights)));
   }
   Element tree = parse(encode(label));
   head_list(tree, "6.0") = parse(tlv(0x30, tlv(0x31, of_head)));
@@ -226,127 +359,35 @@ inline Element* marking(Element& tree, const char* version, std::uint8_t which) 
   return nullptr;
 }
 
-template <class Record, std::int32_t (*kFree)(Record*)>
-struct Freed {
-  void operator()(Record* record) const { EXPECT_EQ(kFree(record), 0); }
-};
-inline std::int32_t free_mark(WaterMark* mark) {
-  const std::int32_t result = FreetWaterMarkInfo(mark);
-  Asn1Free(mark->text);
-  Asn1Free(mark);
-  return result;
-}
-inline std::int32_t free_log(LogInfo* log) {
-  FreeLog(log);
-  return 0;
-}
-using OwnedMark = std::unique_ptr<WaterMark, Freed<WaterMark, free_mark>>;
-using OwnedStamp = std::unique_ptr<StampRecord, Freed<StampRecord, FreeStampA>>;
-using OwnedFinger = std::unique_ptr<Finger, Freed<Finger, FreeFingerPrintInfo>>;
-using OwnedLog = std::unique_ptr<LogInfo, Freed<LogInfo, free_log>>;
-
-template <class Owned, class Get>
-Owned take(TqLabel label, Get getter) {
-  typename Owned::element_type* record = nullptr;
-  const std::int32_t result = getter(label, &record);
-  EXPECT_EQ(result == 0, record != nullptr);
-  return Owned(record);
+inline std::int32_t add_log(TqLabel label, std::uint32_t number) {
+  Filled<LogInfo> log;
+  log.record.number = number;
+  return AddLog(label, &log.record);
 }
 
-struct MarkInput {
-  Bytes data1 = pattern(9, 2);
-  Bytes data2 = pattern(4, 3);
-  std::string words = "ab";
-  WaterMark record{data1.data(), 9, data2.data(), 4, 7, 8, words.data(), 99, 1400000000};
-
-  MarkInput() = default;
-  MarkInput(const MarkInput&) = delete;
-  MarkInput& operator=(const MarkInput&) = delete;
-};
-
-struct StampInput {
-  Bytes name = text("stamp");
-  Bytes bits = pattern(8, 4);
-  Bytes seal_name = text("a seal");
-  Bytes seal_data = pattern(21, 5);
-  Bytes seal_element = hex("04 02 AA BB");
-  Bytes seal_bits = pattern(3, 6);
-  Bytes meta_element = hex("30 03 02 01 09");
-  Bytes meta_text1 = text("meta 1");
-  Bytes meta_text2 = text("the meta 2");
-  std::string text1 = "first";
-  std::string text2 = "second!";
-  Bytes data = text("third text");
-  StampRecord record{
-      name.data(),
-      5,
-      {seal_name.data(),
-       6,
-       {meta_element.data(), 5, 1100000000, meta_text1.data(), 6, 1200000000, 1300000000,
-        meta_text2.data(), 10},
-       9,
-       seal_data.data(),
-       21,
-       seal_element.data(),
-       4,
-       seal_bits.data(),
-       3},
-      {text1.data(), 99, {1, 0x80000000, 3, 4}, text2.data(), 99, 1500000000, data.data(), 10},
-      bits.data(),
-      8};
-
-  StampInput() = default;
-  StampInput(const StampInput&) = delete;
-  StampInput& operator=(const StampInput&) = delete;
-};
-
-struct FingerInput {
-  Bytes sys[3] = {pattern(5, 7), pattern(6, 8), pattern(7, 9)};
-  Bytes values[3] = {hex("30 03 02 01 01"), hex("30 00"), hex("30 03 02 01 03")};
-  FingerEntry entries[3] = {{values[0].data(), 5, {1, 0, 0, 0, 0, 0, 0, 0, 1}},
-                            {values[1].data(), 2, {0, 1, 0, 0, 0, 0, 0, 1, 0}},
-                            {values[2].data(), 5, {1, 1, 1, 1, 1, 1, 1, 1, 1}}};
-  Finger record{sys[0].data(), 5, sys[1].data(), 6, sys[2].data(), 7, 0xFFFFFFFF, {3, entries}};
-
-  FingerInput() = default;
-  FingerInput(const FingerInput&) = delete;
-  FingerInput& operator=(const FingerInput&) = delete;
-};
-
-struct Log {
-  std::uint32_t number = 0;
-  Bytes text1 = text("opened");
-  std::vector<Issuer::Attribute> issuer = {{kCommonName, 19, text("Log")}};
-  Bytes array1 = hex("00 C4");
-  Bytes array2 = hex("01");
-  std::uint64_t time = 1500000000;
-  std::uint32_t value = 0x80000000;
-  Bytes text2 = text("read only");
-  bool operator==(const Log&) const = default;
-};
-inline LogInfo view(Log& log, Issuer& issuer) {
-  return {log.number,          pointer(log.text1),  size32(log.text1),
-          &issuer.record(),    pointer(log.array1), size32(log.array1),
-          pointer(log.array2), size32(log.array2),  log.time,
-          log.value,           pointer(log.text2),  size32(log.text2)};
+// On top of the fields every record and every list, with two entries where two fit. The lists are
+// in the order that DER has for sets.
+inline void fill_records(TqLabel label, const char* version) {
+  fill_fields(label, version);
+  for (const std::uint8_t i : Bytes{2, 1}) {  // lists grow at the front
+    EXPECT_EQ(add_log(label, i), 0);
+    EXPECT_EQ(AddExtendValue(label, i, pattern(16).data(), 16), 0);
+    if (is_60(version)) continue;
+    const HeadEnvelope envelope{{{i}, {{kCommonName, 19, text("A")}}}};
+    const Privileges rights{kSubject, {1, 10, 20, 0, 1, 0, 30, 40}, {{5, 6}, {3, 4}}};
+    EXPECT_EQ(add_to_head(label, envelope) | add_to_body(label, envelope, rights), 0);
+  }
+  const Filled<WaterMark> mark;
+  const Filled<StampRecord> stamp;
+  const Filled<Finger> finger;
+  finger.record.list.entries[1] = finger.record.list.entries[0];
+  EXPECT_EQ(SetWaterMarkInfo(label, &mark.record) | SetStampInfo(label, &stamp.record), 0);
+  EXPECT_EQ(SetFingerPrintInfo(label, &finger.record), 0);
 }
-inline std::int32_t add_log(TqLabel label, Log log) {
-  Issuer issuer(log.issuer);
-  const LogInfo info = view(log, issuer);
-  return AddLog(label, &info);
-}
-inline std::optional<Log> log_at(TqLabel label, std::uint32_t position) {
-  const auto getter = [&](TqLabel from, LogInfo** out) { return GetLog(from, position, out); };
-  const auto log = take<OwnedLog>(label, getter);
-  if (!log) return std::nullopt;
-  return Log{log->number,
-             made(log->text1, log->text1Len),
-             attributes_of(log->issuer),
-             made(log->array1, log->array1Len),
-             made(log->array2, log->array2Len),
-             log->time,
-             log->value,
-             made(log->text2, log->text2Len)};
+inline Label full_label(const char* version) {
+  Label label;
+  fill_records(label, version);
+  return label;
 }
 
 inline std::uint32_t counted(TqLabel label, std::int32_t (*how)(TqLabel, std::uint32_t*)) {

@@ -1,7 +1,7 @@
 // What happens when there is no memory, and how little of it whole labels need. The test program's
 // own allocator stands in front of the libraries' pair.
 
-#include "abi/support.h"
+#include "abi/records.h"
 #include "unit/support/allocations.h"
 
 namespace tq::abi {
@@ -71,30 +71,43 @@ TEST_P(EachFailure, OfDecodingMakesNoHandle) {
 }
 
 TEST_P(EachFailure, OfASetterLosesNothing) {
-  const std::pair<Setter, Getter> fields[] = {{SetCustom, GetCustom},
-                                              {GLSetFileTitle, widened<GLGetFileTitle>}};
-  for (const auto& field : fields) {
-    const Bytes before = get(label_, field.second);
-    const Bytes after(before.rbegin(), before.rend());
-    fail_each_allocation([&] {
-      const bool succeeded = field.first(label_, after.data(), size32(after)) == 0;
-      EXPECT_EQ(get(label_, field.second), succeeded ? after : before);
-      return succeeded;
-    });
-  }
-  const Issuer issuer({{kCountry, 19, text("XX")}, {kCommonName, 19, text("YY")}});
+  const Bytes before = get(label_, GetCustom);
+  const Bytes after(before.rbegin(), before.rend());
   fail_each_allocation([&] {
-    const Label fresh;
+    const bool succeeded = SetCustom(label_, after.data(), size32(after)) == 0;
+    EXPECT_EQ(get(label_, GetCustom), succeeded ? after : before);
+    return succeeded;
+  });
+}
+
+// One label that comes to hold everything, and whose getters make a copy of it.
+TEST_P(EachFailure, OfAnyCallLosesNothing) {
+  const Filled<WaterMark> mark;
+  const Filled<StampRecord> stamp;
+  const Filled<Finger> finger;
+  const Filled<ContentAttrInfo> content;
+  const Bytes version = text(GetParam());
+  const bool v60 = is_60(GetParam());
+  fail_each_allocation([&] {
+    const Label label;
     SignEnum* signatures = nullptr;
     Bytes room(32);
     SignAttribute out{nullptr, room.data(), 32, room.data(), 32};
     const bool succeeded =
-        fresh && GLSetVersion(fresh, text(GetParam()).data(), size32(text(GetParam()))) == 0 &&
-        SetHeadSignAlg(fresh, text(kSignAlg).data(), 23) == 0 &&
-        SetCertSerialAndIssuerToHead(fresh, room.data(), 5, issuer.get()) == 0 &&
-        add_signer(fresh, false, kSignAlg, kBodyCert, pattern(32)) == 0 &&
-        add_signer(fresh, true, kSignAlg, kBodyCert, pattern(32)) == 0 &&
-        CreateEmurateSign(fresh, &signatures) == 0 && GetNextSign(signatures, &out) == 0;
+        label && GLSetVersion(label, version.data(), size32(version)) == 0 &&
+        fill_bare(label) == 0 && SetHeadSignAlg(label, text(kSignAlg).data(), 23) == 0 &&
+        add_log(label, 1) == 0 && AddExtendValue(label, 1, room.data(), 32) == 0 &&
+        (v60 || add_to_head(label, {recipient(1)}) == 0) &&
+        (v60 || add_to_body(label, {recipient(1)}, {kSubject, {}, {{1, 2}}}) == 0) &&
+        SetWaterMarkInfo(label, &mark.record) == 0 && SetStampInfo(label, &stamp.record) == 0 &&
+        SetFingerPrintInfo(label, &finger.record) == 0 &&
+        SetContentAtrr(label, &content.record) == 0 && take<WaterMark>(GetWaterMarkInfo, label) &&
+        take<StampRecord>(GetStampInfo, label) && take<Finger>(GetFingerPrintInfo, label) &&
+        take<LogInfo>(GetLog, label, 0U) &&
+        add_signer(label, false, kSignAlg, kBodyCert, pattern(32)) == 0 &&
+        add_signer(label, true, kSignAlg, kBodyCert, pattern(32)) == 0 &&
+        SetLabelPadSize(label, 9) == 0 && CreateEmurateSign(label, &signatures) == 0 &&
+        GetNextSign(signatures, &out) == 0;
     EXPECT_EQ(DestroySignEmura(signatures), 0);
     return succeeded;
   });

@@ -18,9 +18,16 @@
 #include <utility>
 #include <vector>
 
+#include "unit/support/bytes.h"
+
 namespace tq::abi {
 
-using Bytes = std::vector<std::uint8_t>;
+using test::Bytes;
+using test::concat;
+using test::hex;
+using test::quick;
+using test::text;
+using test::tlv;
 
 inline constexpr const char* kVersions[] = {"6.0", "1.1", "1.1.1", "1.1.2"};
 inline bool is_60(std::string_view version) { return version == "6.0"; }
@@ -37,37 +44,6 @@ inline std::string name_of(const testing::TestParamInfo<const char*>& version) {
   return digits_of(version.param);
 }
 
-// Under memcheck a sample has to do.
-inline bool quick() { return std::getenv("TQLABEL_QUICK") != nullptr; }
-
-// Pairs of digits with spaces between them.
-inline Bytes hex(std::string_view text) {
-  std::string digits(text);
-  std::erase(digits, ' ');
-  Bytes bytes;
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
-  }
-  return bytes;
-}
-
-inline Bytes join(Bytes left, const Bytes& right) {
-  left.insert(left.end(), right.begin(), right.end());
-  return left;
-}
-
-// One element, its length in the shortest form.
-inline Bytes tlv(std::uint8_t tag, const Bytes& content) {
-  std::size_t octets = 0;  // behind the first one of a long length
-  while (content.size() >= 0x80 && content.size() >> (8 * octets) != 0) ++octets;
-  Bytes element = {tag, static_cast<std::uint8_t>(octets == 0 ? content.size() : 0x80 + octets)};
-  for (; octets != 0; --octets) {
-    element.push_back(static_cast<std::uint8_t>(content.size() >> (8 * (octets - 1))));
-  }
-  return join(std::move(element), content);
-}
-
-inline Bytes text(std::string_view from) { return {from.begin(), from.end()}; }
 inline std::uint32_t size32(const Bytes& bytes) { return static_cast<std::uint32_t>(bytes.size()); }
 
 // Bytes that tell a copy from a shifted or repeated one.
@@ -87,15 +63,6 @@ struct Free {
     kFree(object);
   }
 };
-
-// What an OpenSSL object is written as.
-template <class T>
-Bytes written_by(int (*write)(const T*, std::uint8_t**), const T* object) {
-  Bytes der(static_cast<std::size_t>(std::max(write(object, nullptr), 0)));
-  std::uint8_t* at = der.data();
-  EXPECT_EQ(write(object, &at), static_cast<int>(der.size()));
-  return der;
-}
 
 class Label {
  public:
@@ -203,8 +170,10 @@ class Issuer {
   PJCertIssuer record_{};
 };
 
-inline std::vector<Issuer::Attribute> attributes_of(const PJCertIssuer* issuer) {
-  std::vector<Issuer::Attribute> attributes;
+using Name = std::vector<Issuer::Attribute>;
+
+inline Name attributes_of(const PJCertIssuer* issuer) {
+  Name attributes;
   for (std::uint32_t i = 0; i < issuer->count; ++i) {
     const PJCertIssuerEntry& entry = issuer->entries[i];
     attributes.push_back({{entry.type, entry.type + entry.typeLen},
@@ -234,10 +203,10 @@ std::int32_t sealed(TqLabel label, std::uint8_t* buffer, std::uint32_t* length) 
 
 // What a head cannot do without; the algorithms stay empty.
 inline std::int32_t fill_bare(TqLabel label) {
-  set(label, SetLabel, text("Secret"));
   const Issuer issuer({{kCountry, 19, text("CN")}, {kCommonName, 19, text("Root")}});
   const Bytes serial = hex("00 C4 11");
-  return SetCertSerialAndIssuerToHead(label, serial.data(), 3, issuer.get());
+  return SetLabel(label, text("Secret").data(), 6) |
+         SetCertSerialAndIssuerToHead(label, serial.data(), 3, issuer.get());
 }
 
 // A small label: with `cipher`, one whose body is to be encrypted.
@@ -271,48 +240,6 @@ inline void fill_fields(TqLabel label, const char* version) {
   EXPECT_EQ(SetLabelPadSize(label, 5) | GLSetFileNo(label, "No. 1"), 0);
 }
 
-// On top of the fields every record and every list, with two entries where two fit.
-inline void fill_records(TqLabel label, const char* version) {
-  fill_fields(label, version);
-  Bytes cert = kHeadCert;  // of 10 octets
-  Bytes bits = pattern(16);
-  Bytes words = text("words");
-  Bytes sm2 = text("SM2");
-  std::string said = "said";
-  for (std::uint8_t i = 2; i-- > 0;) {  // lists grow at the front
-    Issuer issuer({{kCommonName, 19, text(i == 0 ? "A" : "B")}});
-    std::uint8_t number[] = {1, i};
-    const EnvelopeInfo envelope{sm2.data(),      3,  &number[1],      1,
-                                bits.data() + i, 15, &issuer.record()};
-    PrivilegeEntry entries[2];
-    std::memset(entries, 0, sizeof entries);  // the padding is read with the type
-    entries[0].type = 6;
-    entries[1].value = 5;
-    const PrivilegeInfo privilege{cert.data(), 10, 1, 10, 20, 0, 1, 0, 30, 40, 2, entries};
-    const std::int32_t taken = is_60(version) ? -1 : 0;
-    EXPECT_EQ(AddEnvelopeToHead(label, &envelope), taken);
-    EXPECT_EQ(ADDigitEnvlopeToBody(label, &envelope, &privilege), taken);
-    const LogInfo log{i, words.data(), 5, &issuer.record(), number, 2, number,
-                      2, 1500000000,   3, words.data(),     5};
-    EXPECT_EQ(AddLog(label, &log) | AddExtendValue(label, i, bits.data(), 16), 0);
-  }
-  const WaterMark mark{bits.data(), 8, words.data(), 5, 1, 2, said.data(), 0, 1400000000};
-  const Meta meta{cert.data(), 10, 1, words.data(), 5, 2, 3, words.data(), 5};
-  const Seal seal{words.data(), 5, meta, 9, bits.data(), 8, cert.data(), 10, bits.data(), 8};
-  const Stamp stamp{said.data(), 0, {1, 2, 3, 4}, said.data(), 0, 1300000000, bits.data(), 8};
-  const StampRecord record{words.data(), 5, seal, stamp, bits.data(), 8};
-  EXPECT_EQ(SetWaterMarkInfo(label, &mark) | SetStampInfo(label, &record), 0);
-  FingerEntry fingers[] = {{cert.data(), 10, {0, 1, 0, 1, 0, 1, 0, 1, 0}}, {cert.data(), 10, {}}};
-  const Finger finger{bits.data(), 8, bits.data(), 8, bits.data(), 8, 5, {2, fingers}};
-  EXPECT_EQ(SetFingerPrintInfo(label, &finger), 0);
-}
-
-inline Label full_label(const char* version) {
-  Label label;
-  fill_records(label, version);
-  return label;
-}
-
 // An element of an encoded label.
 struct Element {
   std::uint8_t tag = 0;
@@ -323,7 +250,7 @@ struct Element {
   [[nodiscard]] bool constructed() const { return (tag & 0x20) != 0; }
   [[nodiscard]] Bytes der() const {
     Bytes inner = content;
-    for (const Element& child : children) inner = join(std::move(inner), child.der());
+    for (const Element& child : children) inner = concat(inner, child.der());
     return tlv(tag, inner);
   }
 };

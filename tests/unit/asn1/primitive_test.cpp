@@ -3,6 +3,7 @@
 #include <ctime>
 #include <sstream>
 
+#include "core/model/buffer.h"
 #include "unit/support/allocations.h"
 #include "unit/support/bytes.h"
 
@@ -159,7 +160,8 @@ TEST(Time, AgreesWithTheCalendarOfTheCLibrary) {
     ASSERT_EQ(time_element(seconds), tlv(0x18, text(characters)));
     ASSERT_EQ(read_time(characters), seconds);
   };
-  for (std::uint64_t day = 0; day <= kLast / 86400; day += day < 146097 ? 1 : 29) {
+  const std::uint64_t step = quick() ? 97 : 1;
+  for (std::uint64_t day = 0; day <= kLast / 86400; day += day < 146097 ? step : 29 * step) {
     check(day * 86400 + day * 7919 % 86400);
   }
   check(kLast);

@@ -8,6 +8,7 @@
 #include <string>
 #include <tuple>
 
+#include "unit/support/allocations.h"
 #include "unit/support/labels.h"
 
 namespace tq::test {
@@ -112,6 +113,36 @@ TEST(AlgorithmNames, JoinKeyLengthAndModeWithinTheirRoom) {
   for (const std::size_t length : {31U, 32U, 100000U}) {
     EXPECT_EQ(to_object_id(std::string(length, 'x')), Bytes{});
   }
+}
+
+// Nodes of each form: bytes of their own, behind their shell, or within another node.
+TEST(ConvertOID2Alg, MovesTheBytesOfANodeButNotItsNeighbours) {
+  const NoLeaks no_leaks;
+  Input input(hex("30 03 06 01 2A"));
+  ANYBUF* nodes[3] = {};
+  ASSERT_EQ(QZAsn1GetSequence(input.node(), &nodes[0]), 0);
+  ASSERT_EQ(QZAsn1GetObjectIdPJ(nodes[0], &nodes[1]), 0);
+  ASSERT_EQ(QZCopyAnyBuf(nodes[0], &nodes[2]), 0);
+  for (ANYBUF* node : nodes) {
+    const Bytes bytes = bytes_of(node);
+    node->next = input.node();
+    node->last = input.node();
+    ANYBUF copy{};
+    EXPECT_EQ(QZDecodeCopy(node, &copy), 0);
+    ANYBUF field{};
+    EXPECT_EQ(ConvertOID2Alg(node, &field), 0);
+    EXPECT_TRUE(field.next == input.node() && field.last == input.node());
+    for (ANYBUF* moved : {&copy, &field}) {
+      EXPECT_EQ(content(*moved), bytes);
+      EXPECT_EQ(moved->type, der::kObjectId);
+      clear(*moved);
+    }
+  }
+  EXPECT_TRUE(no_leaks.hold());
+  ANYBUF none{};
+  EXPECT_EQ(ConvertOID2Alg(nullptr, &none) & ConvertOID2Alg(&none, nullptr), -1);
+  EXPECT_EQ(CopyElementOtoO(nullptr, &none) & CopyElementOtoO(&none, nullptr), -1);
+  EXPECT_EQ(QZDecodeCopy(nullptr, &none) & QZDecodeCopy(&none, nullptr), -1);
 }
 
 }  // namespace

@@ -76,48 +76,6 @@ TEST(Label, IsTheSameFromItsRecordsAndFromReadyParts) {
   }
 }
 
-// A head of known parts.
-
-const Bytes kTimes = concat(tlv(0x18, text("20000229000000Z")), tlv(0x18, text("19700101000000Z")));
-
-Bytes head_element(std::string_view version) {
-  const Bytes front = concat(hex("13 01 4C"), tlv(0x13, text(version)));
-  if (version == "6.0") {
-    return sequence(front, hex("04 01 63 30 0A 30 03 04 01 43 13 00 03 01 00"),
-                    hex("30 07 13 00 02 01 05 05 00 02 02 00 01"), kTimes);
-  }
-  return sequence(front, hex("30 0D 31 0B 30 09 06 03 55 04 06 13 02 43 4E 02 02 00 01"), kTimes,
-                  hex("04 01 63 30 0A 06 00 02 01 05 02 01 06 05 00"),
-                  hex("30 0A 30 03 04 01 43 06 00 03 01 00"));
-}
-
-TEST(Head, HasAnOrderOfItsOwnInTheFirstVersion) {
-  const Bytes type = hex("55 04 06");
-  const Bytes serial = hex("00 01");
-  for (const Version& version : kVersions) {
-    TqLabelHandle label = label_of(version);
-    label.head.label = field("L");
-    label.head.custom = field("c");
-    label.head.headSign.certificate = field("C");
-    label.head.encryptHead = {{}, 5, 6, nullptr};
-    label.head.issuer = {field(type, 6), field("CN"), nullptr};
-    label.head.serialNum = field(serial);
-    label.head.createTime = 951782400;
-    EXPECT_EQ(encoded(EncodeHeadD, &label), head_element(version.text));
-  }
-}
-
-TEST(Head, IsWrittenOnlyWhereItsVersionTextAgrees) {
-  RandomLabel random(k112, 1);
-  TqLabelHandle* const label = &random.label;
-  for (const std::string_view given : {std::string_view(""), std::string_view("1.1.2\0", 6),
-                                       k60.text, k11.text, k111.text, k112.text}) {
-    label->head.versionText = field(given);
-    EXPECT_EQ(encoded(EncodeHeadD, label).has_value(), given == "1.1.2");
-    EXPECT_EQ(encoded(GetMHead, label).has_value(), given == "1.1.2");
-  }
-}
-
 // A body without anything in it but what must be there, up to its tail.
 
 const Bytes kMinimalSign = hex("30 09 30 02 04 00 06 00 03 01 00");
@@ -190,16 +148,6 @@ TEST(Body, RefusesTagsThatHoldNoMarking) {
   for (const Bytes& bytes : cases) {
     ReadBody body(k112);
     EXPECT_FALSE(body.read(body_element(k112, bytes, {}))) << &bytes - cases;
-  }
-  for (const Version& version : {k60, k11, k111}) {  // where none may be missing or tagged
-    const Bytes tail = hex(version.text == "6.0" ? "05 00 05 00" : "");
-    for (const Bytes& bytes :
-         {Bytes{}, concat(kStamp1, kWaterMark1), concat(kWaterMark1, kStamp1, kFingerPrint1),
-          concat(tlv(0xA0, kStamp1), tlv(0xA1, kWaterMark1), tlv(0xA2, kFingerPrint1)),
-          kMarkings}) {
-      ReadBody body(version);
-      EXPECT_EQ(body.read(body_element(version, bytes, tail)), bytes == kMarkings) << version.text;
-    }
   }
 }
 

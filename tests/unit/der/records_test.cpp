@@ -9,39 +9,6 @@ namespace {
 
 const Bytes kEpoch = tlv(0x18, text("19700101000000Z"));
 
-TEST(FileAlign, WritesLabelSizeFirst) {
-  const FileAlignAttr record = {.fileAlignSize = 16, .fileUnEffectSize = 3, .labelAlignSize = 512};
-  EXPECT_EQ(encoded(EncodeFileAlignAttr, &record), hex("30 0A 02 02 02 00 02 01 10 02 01 03"));
-}
-
-TEST(FileCreator, HasNoTimeBehindTheLastOne) {
-  BodyFileCreator record = {{}, {}, der::kLastTime};
-  EXPECT_TRUE(encoded(EncodeBodyFileCreator, &record));
-  ++record.creatorTime;
-  EXPECT_FALSE(encoded(EncodeBodyFileCreator, &record));
-}
-
-template <class Record, class Encoder>
-void expect_marking(Encoder encoder, std::uint8_t tag) {
-  Record record{};
-  const TqLabelHandle plain = label_of(k60);
-  const Bytes element = *encoded(encoder, &plain, &record);
-  for (const Version& version : kVersions) {
-    const TqLabelHandle label = label_of(version);
-    const bool tagged = version.text == "1.1.2";
-    record.present = 1;
-    EXPECT_EQ(encoded(encoder, &label, &record), tagged ? tlv(tag, element) : element);
-    record.present = 0;
-    EXPECT_EQ(encoded(encoder, &label, &record), tagged ? Bytes{} : element);
-  }
-}
-
-TEST(Marking, HasATagAndMayBeLeftOutInTheLastVersionOnly) {
-  expect_marking<StampAttr>(EncodeStampAttr, 0xA0);
-  expect_marking<WaterMarkInfo>(EncodeWaterMarkInfo, 0xA1);
-  expect_marking<FingerPrint>(EncodeFingerPrint, 0xA2);
-}
-
 TEST(Seal, MayHoldAnyElementBeforeItsBits) {
   const Bytes front =
       concat(hex("13 00"), sequence(kEpoch, hex("13 00"), kEpoch, kEpoch, hex("13 00")),
@@ -93,29 +60,19 @@ TEST(Privilege, IsOfASequenceOrAnIdentifierAndEndsAsItsVersionHasIt) {
   }
 }
 
-TEST(Lists, HaveFormsOfTheirOwnInEachVersionWhenEmptyAndTagged) {
-  Extend extend = {1, {}, nullptr};
-  const Bytes type = hex("55 04 06");
-  Log log{};
-  log.logName = {field(type, 6), field("CN"), nullptr};
-  const Bytes extends = hex("30 09 31 07 30 05 02 01 01 04 00");
-  const Bytes name = hex("30 0D 31 0B 30 09 06 03 55 04 06 13 02 43 4E");
-  for (const Version& version : kVersions) {
-    const TqLabelHandle label = label_of(version);
-    const bool v60 = version.text == "6.0";
-    const Bytes none = v60 ? hex("05 00") : Bytes{};
-    EXPECT_EQ(encoded(EncodeExtendAtrr_F, &label, static_cast<Extend*>(nullptr)), none);
-    EXPECT_EQ(encoded(EncodeLogAtrr_F, &label, static_cast<Log*>(nullptr)), none);
-    EXPECT_EQ(encoded(EncodeExPrivilegeList, &label, static_cast<ExtPri*>(nullptr)), none);
-    EXPECT_EQ(encoded(EncodeDigitEnvolop_F, &label, static_cast<ENVELOPE*>(nullptr)), hex("05 00"));
-    EXPECT_EQ(encoded(EncodeExtendAtrr_F, &label, &extend), v60 ? extends : tlv(0xA0, extends));
-    const Bytes entry = sequence(hex("02 01 00 13 00"), v60 ? Bytes{} : name, hex("02 00 02 00"),
-                                 kEpoch, hex("02 01 00 13 00"));
-    const Bytes logs = sequence(tlv(0x31, entry));
-    EXPECT_EQ(encoded(EncodeLogAtrr_F, &label, &log), v60 ? logs : tlv(0xA1, logs));
+TEST(Privilege, HasNoEstimateAboveThirtyTwoBits) {
+  ExtPri pair{};
+  for (const auto& [list, beside] : {std::pair{static_cast<ExtPri*>(nullptr), 35U}, {&pair, 44U}}) {
+    OPrivilege record{};
+    std::uint32_t size = 0;
+    record.extPriList = list;
+    record.priSubject.length = UINT32_MAX - beside;
+    EXPECT_EQ(CalcPrivilege(&record, &size), 0);
+    EXPECT_EQ(size, UINT32_MAX);
+    ++record.priSubject.length;
+    EXPECT_EQ(CalcPrivilege(&record, &size), -1);
+    EXPECT_EQ(size, UINT32_MAX);
   }
-  const TqLabelHandle unknown = label_of(kUnknown);
-  EXPECT_EQ(encoded(EncodeExtendAtrr_F, &unknown, &extend), std::nullopt);
 }
 
 TEST(Lists, OfReadyNodesAreWrappedAndStayTheCallers) {
@@ -133,6 +90,8 @@ TEST(Lists, OfReadyNodesAreWrappedAndStayTheCallers) {
   EXPECT_EQ(encoded(EncodeBDigitEnvolope, none, chain), sequence(both));
   EXPECT_EQ(encoded(EncodeX509NameDer, chain), sequence(both));
   EXPECT_EQ(first.node()->next, second.node());
+  const TqLabelHandle unknown = label_of({"2.0", 0});
+  EXPECT_EQ(encoded(EncodeLogAtrr_F, &unknown, static_cast<Log*>(nullptr)), std::nullopt);
 }
 
 }  // namespace

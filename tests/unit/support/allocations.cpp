@@ -22,7 +22,6 @@ constexpr int kJunk = 0xA5;
 
 std::atomic<std::size_t> blocks{0};
 std::atomic<std::size_t> bytes{0};
-std::atomic<std::size_t> peak{0};
 std::atomic<std::size_t> calls{0};
 std::atomic<std::size_t> failing_call{0};
 
@@ -30,12 +29,6 @@ void require(bool condition, const char* complaint) {
   if (condition) return;
   static_cast<void>(std::fprintf(stderr, "Asn1Free: %s\n", complaint));
   std::abort();
-}
-
-void raise_peak(std::size_t now) {
-  std::size_t seen = peak.load();
-  while (seen < now && !peak.compare_exchange_weak(seen, now)) {
-  }
 }
 
 }  // namespace
@@ -49,7 +42,7 @@ void* Asn1Malloc(size_t size) {
   std::memset(block, kJunk, size);
   std::memcpy(block + size, &kEnd, sizeof kEnd);
   ++blocks;
-  raise_peak(bytes += size);
+  bytes += size;
   return block;
 }
 
@@ -70,9 +63,7 @@ void Asn1Free(void* block) {
 
 namespace tq::test {
 
-Allocations allocations() { return {blocks, bytes, peak, calls}; }
-
-void restart_peak() { peak = bytes.load(); }
+Allocations allocations() { return {blocks, bytes, calls}; }
 
 FailNth::FailNth(std::size_t n) { failing_call = calls + n; }
 

@@ -14,14 +14,10 @@ namespace tq::test {
 struct Allocations {
   std::size_t blocks = 0;  // live
   std::size_t bytes = 0;   // live
-  std::size_t peak = 0;    // the most live bytes since restart_peak()
   std::size_t calls = 0;   // since the start of the program, failed ones included
 };
 
 [[nodiscard]] Allocations allocations();
-
-// Lets the peak start over from what is live now.
-void restart_peak();
 
 // Fails the n-th allocation from now on, counted from 1, and no other, until the end of the scope.
 // At most one at a time.

@@ -21,7 +21,6 @@ inline constexpr Version k11 = {"1.1", 0};
 inline constexpr Version k111 = {"1.1.1", '1'};
 inline constexpr Version k112 = {"1.1.2", '2'};
 inline constexpr Version kVersions[] = {k60, k11, k111, k112};
-inline constexpr Version kUnknown = {"2.0", 0};
 
 // Fields that borrow their bytes.
 inline ANYBUF field(std::string_view text, std::uint32_t type = der::kPrintableString) {
