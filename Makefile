@@ -1,6 +1,7 @@
 # A short front for the presets. Each target first installs what packages.txt lists and is missing.
 .DEFAULT_GOAL := test
-.PHONY: asan clean demo docs format lint packages test valgrind
+.PHONY: asan bench bench-programs clean demo docs format fuzz instructions lint packages plot test \
+  valgrind
 
 packages:
 	@scripts/install-packages.sh
@@ -20,6 +21,29 @@ valgrind: packages
 	cmake --preset dev
 	cmake --build --preset dev
 	scripts/valgrind.sh build/dev
+
+# make fuzz SECONDS=n: each fuzzer for that long
+SECONDS ?= 60
+fuzz: packages
+	scripts/fuzz.sh $(SECONDS)
+
+bench-programs: packages
+	cmake --preset release -DTQLABEL_BUILD_BENCH=ON
+	cmake --build --preset release --target bench_times bench_instructions bench_memory
+
+bench: bench-programs
+	build/release/bin/bench_memory > build/release/memory.json
+	build/release/bin/bench_times --benchmark_enable_random_interleaving=true \
+	  --benchmark_repetitions=9 --benchmark_min_time=0.05 \
+	  --benchmark_out_format=json --benchmark_out=build/release/times.json >/dev/null
+	bench/report.py build/release
+
+instructions: bench-programs
+	bench/instructions.py build/release/bin/bench_instructions --check
+
+# from what bench has measured
+plot:
+	bench/plot.py build/release/times.json docs/performance.svg
 
 docs: packages
 	cmake -S . -B build/docs -DTQLABEL_BUILD_DOCS=ON
