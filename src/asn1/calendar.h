@@ -118,7 +118,7 @@ constexpr std::uint64_t lanes(std::uint32_t first, std::uint32_t second, std::ui
     return false;
   }
   const std::uint64_t days = days_from_date({year, month, day});
-  seconds = days * kDaySeconds + (hour * 60 + minute) * 60 + second;
+  seconds = ((days * 24 + hour) * 60 + minute) * 60 + second;
   return true;
 }
 

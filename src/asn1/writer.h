@@ -224,8 +224,8 @@ class Writer {
 
   template <class Word>
   static void copy_words(Octet* to, const Octet* from, std::uint32_t length) {
-    Word first;
-    Word last;
+    Word first{};
+    Word last{};
     std::memcpy(&first, from, sizeof first);
     std::memcpy(&last, from + length - sizeof last, sizeof last);
     std::memcpy(to, &first, sizeof first);

@@ -1,7 +1,6 @@
-#include "asn1/writer.h"
-
 #include <gtest/gtest.h>
 
+#include "asn1/writer.h"
 #include "unit/support/allocations.h"
 #include "unit/support/bytes.h"
 
