@@ -11,6 +11,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "asn1/calendar.h"
 
@@ -128,13 +129,15 @@ class Cursor {
     return true;
   }
 
+  // A content that needs the long form has 128 octets or more, so that a whole word can be read.
   [[nodiscard, gnu::noinline]] static Content long_form(const Octet* at, const Octet* end) {
     const std::uint32_t count = at[1] & 0x7F;
+    std::uint32_t length = 0;
     at += 2;
-    if (count == 0 || count > sizeof(std::uint32_t) || end - at < count || *at == 0) return {};
-    std::size_t length = 0;
-    for (std::uint32_t i = 0; i < count; ++i) length = length << 8 | *at++;
-    return length < 0x80 ? Content{} : Content{at, length};
+    if (count == 0 || count > sizeof length || end - at < 0x80 || *at == 0) return {};
+    std::memcpy(&length, at, sizeof length);
+    length = __builtin_bswap32(length) >> 8 * (sizeof length - count);
+    return length < 0x80 ? Content{} : Content{at + count, length};
   }
 
   const Octet* at_;
@@ -160,14 +163,13 @@ class Cursor {
   const Octet* content = element.content();
   std::uint32_t length = element.length;
   if (length == 0 || content[0] >= 0x80) return false;
-  if (content[0] == 0 && length > 1) {
-    if (content[1] < 0x80) return false;
-    ++content;
-    --length;
+  std::uint32_t number = content[0];
+  if (length > 1) {
+    if (number == 0 && content[1] < 0x80) return false;
+    if (length > sizeof number + (number == 0 ? 1 : 0)) return false;
+    while (--length > 0) number = number << 8 | *++content;
   }
-  if (length > sizeof value) return false;
-  value = 0;
-  for (std::uint32_t i = 0; i < length; ++i) value = value << 8 | content[i];
+  value = number;
   return true;
 }
 

@@ -77,7 +77,7 @@ inline bool equal_bytes(const ANYBUF& field, const void* bytes, std::size_t leng
 // length stays as it was. Null is accepted.
 inline void FreeANYBUF(ANYBUF* field) {
   if (field == nullptr) return;
-  if (field->form == ASN1_FORM_OWNED) Asn1Free(field->data);
+  if (field->form == ASN1_FORM_OWNED && field->data != nullptr) Asn1Free(field->data);
   field->data = nullptr;
   field->form = ASN1_FORM_OWNED;
 }
