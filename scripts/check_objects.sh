@@ -20,6 +20,13 @@ declared() {
   sed -nE "s/^$2[[:space:]][^(]*[^A-Za-z0-9_(]([A-Za-z_][A-Za-z0-9_]*)[[:space:]]*\(.*/\1/p" "$1" | sort
 }
 
+# no_landing_pad OBJECT: the exported functions that control-flow protection has not marked
+no_landing_pad() {
+  objdump -d --no-show-raw-insn "$1" | awk -v exported="$(nm -D --defined-only "$1" | cut -d' ' -f3)" '
+    BEGIN { split(exported, list, "\n"); for (i in list) wanted["<" list[i] ">:"] }
+    ($2 in wanted) && NF == 2 { getline following; if (following !~ /endbr64/) print $2 }'
+}
+
 # check OBJECT HEADER MACRO NEEDED
 check() {
   local object=$libs/lib$1.so dynamic segments names
@@ -40,6 +47,8 @@ check() {
   grep -q 'GNU_RELRO' <<<"$segments" || { echo "$object: no relro segment"; failed=1; }
   grep -qE 'BIND_NOW|Flags:.*NOW' <<<"$dynamic" || { echo "$object: binds lazily"; failed=1; }
   expect "$object: stack flags" RW "$(awk '$1 == "GNU_STACK" { print $7 }' <<<"$segments")"
+  nm -D "$object" | grep -q ' U __stack_chk_fail' || { echo "$object: no stack protector"; failed=1; }
+  expect "$object: exported functions that are no landing pad" "" "$(no_landing_pad "$object")"
   if grep -q TEXTREL <<<"$dynamic"; then echo "$object: relocations in its code"; failed=1; fi
 
   # A program may put its own pair in front, so even the definer calls it through the linker.
