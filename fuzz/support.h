@@ -27,9 +27,6 @@ inline std::uint32_t size32(const Bytes& bytes) { return static_cast<std::uint32
 
 inline constexpr const char* kVersions[] = {"6.0", "1.1", "1.1.1", "1.1.2"};
 
-// Receives what the calls encode, unless null: the seeds of the other targets.
-extern void (*seed_sink)(const Bytes& bytes);
-
 inline void require(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "does not hold: %s\n", what);

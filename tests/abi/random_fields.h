@@ -4,6 +4,9 @@
 // Random calls of the setters that store one value or one record, each with what it does to the
 // model of the label.
 
+#include <random>
+#include <span>
+
 #include "abi/observed.h"
 
 namespace tq::abi {
@@ -18,16 +21,48 @@ inline const Name kNames[] = {
 };
 inline const Bytes kSerials[] = {{1}, {2}, {0, 0x80}, pattern(128)};
 
+// What a driver chooses by: a generator, or bytes for as long as they last.
+class Choices {
+ public:
+  explicit Choices(std::uint32_t seed) : random_(seed) {}
+  explicit Choices(std::span<const std::uint8_t> bytes) : bytes_(bytes), given_(true) {}
+
+  [[nodiscard]] bool used_up() const { return given_ && bytes_.empty(); }
+  std::uint32_t any() {
+    if (!given_) return static_cast<std::uint32_t>(random_());
+    return octet() | octet() << 8 | octet() << 16 | octet() << 24;
+  }
+  std::uint32_t below(std::size_t limit) {
+    const bool few = given_ && limit <= 256;
+    return (few ? octet() : any()) % static_cast<std::uint32_t>(limit);
+  }
+
+ private:
+  std::uint32_t octet() {
+    if (bytes_.empty()) return 0;
+    const std::uint8_t first = bytes_.front();
+    bytes_ = bytes_.subspan(1);
+    return first;
+  }
+
+  std::mt19937 random_;
+  std::span<const std::uint8_t> bytes_;
+  bool given_ = false;
+};
+
 class FieldDriver {
  public:
-  FieldDriver(const char* version, std::uint32_t seed) : random_(seed) {
+  FieldDriver(const char* version, Choices choices) : choices_(choices) {
     model_.version = version;
     set(label_, GLSetVersion, text(version));
   }
 
+  [[nodiscard]] bool used_up() const { return choices_.used_up(); }
+  [[nodiscard]] TqLabel label() const { return label_; }
+
  protected:
-  std::uint32_t below(std::size_t limit) { return any() % static_cast<std::uint32_t>(limit); }
-  std::uint32_t any() { return static_cast<std::uint32_t>(random_()); }
+  std::uint32_t below(std::size_t limit) { return choices_.below(limit); }
+  std::uint32_t any() { return choices_.any(); }
   bool flip() { return below(2) == 0; }
   template <class Values>
   const auto& one_of(const Values& values) {
@@ -173,7 +208,7 @@ class FieldDriver {
     }
   }
 
-  std::mt19937 random_;
+  Choices choices_;
   Label label_;
   Model model_;
 };
