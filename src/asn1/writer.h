@@ -23,6 +23,7 @@ class Plan {
     std::uint64_t before = 0;
   };
 
+  // cppcheck-suppress uninitMemberVar ; lengths are read only where they were stored
   explicit Plan(Keep keep) : keep_(keep) {}
   Plan(const Plan&) = delete;
   Plan& operator=(const Plan&) = delete;
