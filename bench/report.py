@@ -29,6 +29,9 @@ class Times:
     def median(self, name):
         return statistics.median(self.all[name])
 
+    def least(self, name):
+        return min(self.all[name])
+
     def fastest_general(self, label):
         """Of a label's operation; nothing where no general codec has run."""
         times = [self.median(f"{label}/{codec}") for codec in GENERAL
@@ -53,7 +56,7 @@ def print_table(times, memory):
             group = f"{operation}/{label}"
             median = times.median(name)
             floor = f"{group}/block"
-            print(f"{name:36} {median / 1e3:13,.3f} {min(times.all[name]) / 1e3:13,.3f}"
+            print(f"{name:36} {median / 1e3:13,.3f} {times.least(name) / 1e3:13,.3f}"
                   f" {times.info[name]['bytes'] / median * 1e3:7,.0f}"
                   f" {memory[name]['allocations']:7} {memory[name]['peak']:11,}"
                   f" {ratio(median, times.fastest_general(group))}"
@@ -61,7 +64,7 @@ def print_table(times, memory):
     print()
     for name in times.all:
         if name.startswith("field/"):
-            print(f"{name:36} {times.median(name) / 1e3:13,.3f} {min(times.all[name]) / 1e3:13,.3f}")
+            print(f"{name:36} {times.median(name) / 1e3:13,.3f} {times.least(name) / 1e3:13,.3f}")
 
 
 def time_goals(times):
@@ -76,8 +79,9 @@ def time_goals(times):
 
 def scaling_goals(times):
     for operation in ("decode", "encode"):
-        ratios = [times.median(f"{operation}/{label}/tqlabel") /
-                  times.median(f"{operation}/{label}/block") for label in LOGS]
+        # The least of the repetitions: what else runs can cost more than the goal allows.
+        ratios = [times.least(f"{operation}/{label}/tqlabel") /
+                  times.least(f"{operation}/{label}/block") for label in LOGS]
         # Growing less than the floor does is no fault: its small blocks cost free() more.
         growth = max(more / fewer for fewer, more in itertools.combinations(ratios, 2)) - 1
         yield f"{operation}: growth per log from 100 to 100,000 beyond the floor's", growth, 0.15
