@@ -1,59 +1,67 @@
-// The command line of the tool: commands, their arguments and the exit status.
+// The program: its commands, and how it ends.
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdlib>
+#include <csignal>
+#include <cstdio>
 #include <exception>
 
-#include "inspect.h"
+#include "commands/program.h"
 
 namespace {
 
-using tq::tool::Status;
+using namespace tq::tool;
 
-constexpr const char* kExitStatus =
-    "\nExit status: 0 when all went well, 2 for a wrong command line, 3 for a file that cannot be\n"
-    "read, 4 for a file that is no label; of several files the worst counts.\n";
+constexpr const char* kFooter =
+    "\nFILE may be - for standard input, and an output - for standard output.\n"
+    "\nExit status: 0 yes or clean; 1 no, differs or findings; 2 wrong command line; 3 a file "
+    "cannot\n"
+    "be read or written; 4 malformed label; 5 key or cryptography. Of several files the worst "
+    "counts.\n";
 
-constexpr const char* kInspectExample =
-    "Example:\n"
-    "  tqlabel inspect report.label\n"
-    "  openssl enc -d -a -in report.b64 | tqlabel inspect -\n";
-
-Status run(int count, char** arguments) {
-  CLI::App app("Shows the security labels of protected files.", "tqlabel");
+void add_globals(Program& program) {
+  CLI::App& app = program.app;
   app.set_version_flag("--version", "tqlabel " TQLABEL_VERSION);
+  app.add_flag("--json", program.json, "Print JSON");
+  app.add_option("--color", program.color, "auto, always or never")
+      ->transform(CLI::CheckedTransformer(std::map<std::string, Color>{
+          {"auto", Color::kAuto}, {"always", Color::kAlways}, {"never", Color::kNever}}));
   app.require_subcommand(1);
-  app.footer(std::string(kInspectExample) + kExitStatus);
+  app.fallthrough();
+  app.footer(kFooter);
+}
 
-  std::vector<std::string> paths;
-  CLI::App* inspect = app.add_subcommand("inspect", "Print every field of labels as a tree");
-  inspect->add_option("FILE", paths, "DER files, - for standard input")->required();
-  inspect->footer(std::string(kInspectExample) + kExitStatus);
-
+Status run(Program& program, int count, char** arguments) {
+  add_globals(program);
+  add_inspect(program);
+  add_new(program);
   try {
-    app.parse(count, arguments);
+    program.app.parse(count, arguments);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? Status::kOk : Status::kUsage;
+    return program.app.exit(error) == 0 ? Status::kYes : Status::kUsage;
   }
-  return tq::tool::inspect(paths);
+  return program.run();
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  Status status = Status::kUnreadable;
+  Status status = Status::kInputOutput;
   try {
-    status = run(count, arguments);
+    std::signal(SIGPIPE, SIG_IGN);  // a pipe that breaks is an output that cannot be written
+    Program program;
+    status = run(program, count, arguments);
+  } catch (const Failure& failure) {
+    report(failure);
+    status = failure.status;
   } catch (const std::exception& error) {
     fmt::print(stderr, "tqlabel: {}\n", error.what());
   }
   // A full disk shows only now.
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    fmt::print(stderr, "tqlabel: the output cannot be written\n");
-    status = std::max(status, Status::kUnreadable);
+    report({Status::kInputOutput, "the output cannot be written"});
+    status = std::max(status, Status::kInputOutput);
   }
   return static_cast<int>(status);
 }

@@ -1,5 +1,5 @@
-#ifndef TQLABEL_TOOL_TEXT_TREE_H
-#define TQLABEL_TOOL_TEXT_TREE_H
+#ifndef TQLABEL_TOOL_BASE_TEXT_TREE_H
+#define TQLABEL_TOOL_BASE_TEXT_TREE_H
 
 // Lines of "name: value", indented by their depth.
 

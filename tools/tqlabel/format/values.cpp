@@ -1,4 +1,4 @@
-#include "values.h"
+#include "format/values.h"
 
 #include <fmt/format.h>
 #include <openssl/evp.h>
@@ -7,7 +7,6 @@
 #include <iterator>
 
 #include "crypto/algorithms.h"
-#include "crypto/names.h"
 
 namespace tq::tool {
 namespace {
@@ -17,12 +16,6 @@ namespace {
 constexpr std::size_t kHexBytes = 32;
 
 constexpr std::size_t kSha256Bytes = 32;
-
-std::string hexadecimal(Bytes bytes) {
-  std::string out;
-  for (const std::uint8_t octet : bytes) fmt::format_to(std::back_inserter(out), "{:02x}", octet);
-  return out;
-}
 
 void append_arc(std::string& out, std::uint64_t arc) {
   if (!out.empty()) {
@@ -34,7 +27,22 @@ void append_arc(std::string& out, std::uint64_t arc) {
   fmt::format_to(std::back_inserter(out), "{}.{}", root, arc - 40 * root);
 }
 
-// The dotted number, or an empty text where the octets are none.
+// A short text for the type of an attribute.
+std::string attribute_type(Bytes octets) {
+  const char* name = known_name(octets);
+  if (name != nullptr) return name;
+  const std::string number = octets.size() > kHexBytes ? std::string() : dotted(octets);
+  return number.empty() ? fmt::format("({})", show_bytes(octets)) : number;
+}
+
+}  // namespace
+
+std::string hexadecimal(Bytes bytes) {
+  std::string out;
+  for (const std::uint8_t octet : bytes) fmt::format_to(std::back_inserter(out), "{:02x}", octet);
+  return out;
+}
+
 std::string dotted(Bytes octets) {
   std::string out;
   std::uint64_t arc = 0;
@@ -50,7 +58,6 @@ std::string dotted(Bytes octets) {
   return at_start ? out : std::string();
 }
 
-// The library's own name for an identifier, or null.
 const char* known_name(Bytes octets) {
   const auto row = std::ranges::find_if(g_ReflectOID, [&](const ReflectOID& candidate) {
     return candidate.name != nullptr &&
@@ -59,31 +66,21 @@ const char* known_name(Bytes octets) {
   return row == g_ReflectOID.end() ? nullptr : row->name;
 }
 
-std::string attribute_type(Bytes octets) {
-  const char* name = known_name(octets);
-  if (name != nullptr) return name;
-  const std::string number = octets.size() > kHexBytes ? std::string() : dotted(octets);
-  return number.empty() ? fmt::format("({})", show_bytes(octets)) : number;
-}
-
-std::string attribute_value(const ANYBUF& value) {
-  const bool wide = value.type == der::kBmpString;
-  return escaped(bytes_of(value), wide ? Encoding::kUtf16BigEndian : Encoding::kUtf8, ",+=\"\\");
-}
-
-}  // namespace
-
 std::string show_size(std::size_t size) {
   return fmt::format("{} {}", size, size == 1 ? "byte" : "bytes");
 }
 
-std::string show_digest(Bytes bytes) {
-  if (bytes.empty()) return "none";
+std::string sha256_hex(Bytes bytes) {
   std::uint8_t digest[kSha256Bytes] = {};
   if (EVP_Digest(bytes.data(), bytes.size(), digest, nullptr, EVP_sha256(), nullptr) != 1) {
-    return show_size(bytes.size()) + ", SHA-256 not available";
+    throw Failure{Status::kCrypto, "SHA-256 is not available"};
   }
-  return show_size(bytes.size()) + ", SHA-256 " + hexadecimal(digest);
+  return hexadecimal(digest);
+}
+
+std::string show_digest(Bytes bytes) {
+  if (bytes.empty()) return "none";
+  return show_size(bytes.size()) + ", SHA-256 " + sha256_hex(bytes);
 }
 
 std::string show_bytes(Bytes bytes) {
@@ -109,20 +106,33 @@ std::string show_object_id(Bytes octets) {
   return name == nullptr ? number : fmt::format("{} ({})", name, number);
 }
 
-std::string show_element(Bytes element) {
-  der::Element parsed;
-  if (der::read_outermost(element.data(), element.size(), der::kObjectId, parsed)) {
-    return show_object_id({parsed.content(), parsed.length});
-  }
-  return show_bytes(element);
+std::string show_padding(Bytes padding) {
+  const bool zero = std::ranges::all_of(padding, [](std::uint8_t octet) { return octet == 0; });
+  return show_size(padding.size()) + (zero ? "" : ", not all of them zero");
 }
 
-std::string show_name(const X509Name& first) {
-  if (is_empty(first)) return "none";
+Attribute attribute_of(const Item& attribute) {
+  der::Element pair;
+  der::Element type;
+  der::Element value;
+  static_cast<void>(der::Cursor(attribute.element).next(pair));
+  der::Cursor in(pair);
+  static_cast<void>(in.next(type) && in.next(value));
+  return {{type.content(), type.length}, value.tag(), {value.content(), value.length}};
+}
+
+std::string show_attribute(const Item& attribute) {
+  const Attribute parts = attribute_of(attribute);
+  const Encoding encoding =
+      parts.tag == der::kBmpString ? Encoding::kUtf16BigEndian : Encoding::kUtf8;
+  return attribute_type(parts.type) + "=" + escaped(parts.value, encoding, ",+=\"\\");
+}
+
+std::string show_name(const Item& name) {
   std::string out;
-  for (const X509Name* attribute = &first; attribute != nullptr; attribute = attribute->next) {
-    if (attribute != &first) out += ", ";
-    out += attribute_type(bytes_of(attribute->type)) + "=" + attribute_value(attribute->value);
+  for (const Item& attribute : name.children) {
+    if (!out.empty()) out += ", ";
+    out += show_attribute(attribute);
   }
   return out;
 }

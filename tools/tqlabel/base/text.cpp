@@ -1,4 +1,4 @@
-#include "text.h"
+#include "base/text.h"
 
 #include <fmt/format.h>
 
@@ -102,6 +102,15 @@ std::string escaped(Bytes text, Encoding encoding, std::string_view specials) {
     fmt::format_to(std::back_inserter(out), "\\... ({} of {} bytes)", at, text.size());
   }
   return out;
+}
+
+bool is_utf8(Bytes text) {
+  while (!text.empty()) {
+    const std::size_t length = utf8_character(text).length;
+    if (length == 0) return false;
+    text = text.subspan(length);
+  }
+  return true;
 }
 
 std::string quoted(Bytes text) {

@@ -1,5 +1,5 @@
-#ifndef TQLABEL_TOOL_TEXT_H
-#define TQLABEL_TOOL_TEXT_H
+#ifndef TQLABEL_TOOL_BASE_TEXT_H
+#define TQLABEL_TOOL_BASE_TEXT_H
 
 // Texts from files, made fit to be shown: what a terminal would act on, what cannot be seen and
 // what is no text becomes an escape, so that two texts that differ never look the same.
@@ -19,7 +19,9 @@ enum class Encoding { kUtf8, kUtf16BigEndian };
 // text only the beginning is given, followed by a remark.
 [[nodiscard]] std::string escaped(Bytes text, Encoding encoding, std::string_view specials);
 
-// The same within quotes, or "none" for an empty text.
+[[nodiscard]] bool is_utf8(Bytes text);
+
+// The escaped text within quotes, or "none" for an empty text.
 [[nodiscard]] std::string quoted(Bytes text);
 
 // A name of a file as it may stand in a message.

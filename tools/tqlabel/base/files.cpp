@@ -1,0 +1,181 @@
+#include "base/files.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "asn1/der.h"
+#include "base/failure.h"
+
+namespace tq::tool {
+namespace {
+
+constexpr std::size_t kFirstStep = 65536;
+
+[[noreturn]] void fail(const std::string& path, std::string advice = {}) {
+  throw Failure{.status = Status::kInputOutput,
+                .why = std::strerror(errno),
+                .file = path,
+                .advice = std::move(advice)};
+}
+
+Descriptor open_input(const std::string& path) {
+  if (path == "-") return Descriptor(::dup(STDIN_FILENO));
+  Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.is_open()) fail(path);
+  return file;
+}
+
+// Reads until the buffer is full or the input ends; the answer is how much there was.
+std::size_t read_some(const Descriptor& file, const std::string& path, std::uint8_t* to,
+                      std::size_t room) {
+  std::size_t used = 0;
+  while (used < room) {
+    const ssize_t count = ::read(file.get(), to + used, room - used);
+    if (count < 0 && errno != EINTR) fail(path);
+    if (count == 0) break;
+    if (count > 0) used += static_cast<std::size_t>(count);
+  }
+  return used;
+}
+
+// Each step doubles what there is, so that an endless file costs as much memory as it has brought.
+template <class GoesOn>
+std::vector<std::uint8_t> read_steps(const std::string& path, std::size_t most, GoesOn goes_on) {
+  const Descriptor file = open_input(path);
+  std::vector<std::uint8_t> bytes;
+  std::size_t used = 0;
+  while (used < most && goes_on(bytes)) {
+    const std::size_t step = std::min(std::max(kFirstStep, used), most - used);
+    bytes.resize(used + step);
+    const std::size_t count = read_some(file, path, bytes.data() + used, step);
+    used += count;
+    if (count < step) break;
+  }
+  bytes.resize(used);
+  return bytes;
+}
+
+std::string folder_of(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// What a new file may be; an existing one keeps what it had.
+unsigned permissions_for(const std::string& path) {
+  struct stat status = {};
+  if (::stat(path.c_str(), &status) == 0) {
+    if (!S_ISREG(status.st_mode)) {
+      throw Failure{.status = Status::kInputOutput,
+                    .why = "not a regular file",
+                    .file = path,
+                    .advice = "name a file, or - for standard output"};
+    }
+    return status.st_mode & 0777U;
+  }
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666U & ~mask;
+}
+
+}  // namespace
+
+Descriptor::Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+  std::swap(number_, other.number_);
+  return *this;
+}
+
+Descriptor::~Descriptor() {
+  if (is_open()) ::close(number_);
+}
+
+std::vector<std::uint8_t> read_label_file(const std::string& path) {
+  return read_steps(path, UINT32_MAX, [](const std::vector<std::uint8_t>& bytes) {
+    return bytes.empty() || bytes[0] == der::kSequence;
+  });
+}
+
+std::vector<std::uint8_t> read_small_file(const std::string& path, std::size_t most) {
+  std::vector<std::uint8_t> bytes = read_steps(path, most + 1, [](const auto&) { return true; });
+  if (bytes.size() <= most) return bytes;
+  throw Failure{.status = Status::kInputOutput,
+                .why = fmt::format("larger than {} bytes", most),
+                .file = path};
+}
+
+OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
+  if (is_standard_output()) return;
+  permissions_ = permissions_for(path_);
+  const std::string folder = folder_of(path_);
+  file_ = Descriptor(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+  if (file_.is_open()) return;
+  hidden_ = folder + "/.tqlabel-XXXXXX";
+  file_ = Descriptor(::mkostemp(hidden_.data(), O_CLOEXEC));
+  if (file_.is_open()) return;
+  hidden_.clear();
+  fail(path_);
+}
+
+OutputFile::~OutputFile() {
+  if (!hidden_.empty()) ::unlink(hidden_.c_str());
+}
+
+int OutputFile::descriptor() const { return is_standard_output() ? STDOUT_FILENO : file_.get(); }
+
+void OutputFile::write(Bytes bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor(), bytes.data(), bytes.size());
+    if (count < 0 && errno != EINTR) fail(is_standard_output() ? "standard output" : path_);
+    if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+}
+
+void OutputFile::write_at(Bytes bytes, std::uint64_t offset) {
+  while (!bytes.empty()) {
+    const ssize_t count =
+        ::pwrite(descriptor(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+    if (count < 0 && errno != EINTR) fail(path_);
+    if (count <= 0) continue;
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+    offset += static_cast<std::uint64_t>(count);
+  }
+}
+
+// A file without a name cannot replace one that has it: it takes a hidden name first.
+void OutputFile::name_it() {
+  const std::string self = fmt::format("/proc/self/fd/{}", file_.get());
+  for (unsigned attempt = 0;; ++attempt) {
+    std::string name = fmt::format("{}/.tqlabel-{}-{}", folder_of(path_), ::getpid(), attempt);
+    if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+      hidden_ = std::move(name);
+      return;
+    }
+    if (errno != EEXIST) fail(path_);
+  }
+}
+
+void OutputFile::commit() {
+  if (is_standard_output()) return;
+  if (::fchmod(file_.get(), permissions_) != 0 || ::fsync(file_.get()) != 0) fail(path_);
+  if (hidden_.empty()) name_it();
+  if (::rename(hidden_.c_str(), path_.c_str()) != 0) fail(path_);
+  hidden_.clear();
+}
+
+void write_file(const std::string& path, Bytes bytes) {
+  OutputFile file(path);
+  file.write(bytes);
+  file.commit();
+}
+
+}  // namespace tq::tool

@@ -1,0 +1,37 @@
+#ifndef TQLABEL_TOOL_COMMANDS_PROGRAM_H
+#define TQLABEL_TOOL_COMMANDS_PROGRAM_H
+
+// The command line. Each command adds itself with its arguments, its help and what it does.
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+#include "base/failure.h"
+
+namespace tq::tool {
+
+enum class Color { kAuto, kAlways, kNever };
+
+struct Program {
+  CLI::App app{"Builds, shows, checks and edits the security labels of protected files.",
+               "tqlabel"};
+  bool json = false;
+  Color color = Color::kAuto;
+  std::function<Status()> run;  // what the command line has chosen
+};
+
+// A command with an example at the end of its help.
+inline CLI::App* add_command(Program& program, const std::string& name, const std::string& what,
+                             const std::string& example) {
+  CLI::App* command = program.app.add_subcommand(name, what);
+  command->footer("\nExample:\n  " + example + "\n");
+  return command;
+}
+
+void add_inspect(Program& program);
+void add_new(Program& program);
+
+}  // namespace tq::tool
+
+#endif
