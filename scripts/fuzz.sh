@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Runs the fuzz targets, all or those named, each for some seconds. Corpora stay in build/fuzz/corpus.
-# usage: fuzz.sh SECONDS [der|decode|structure|calls]...
+# usage: fuzz.sh SECONDS [der|decode|structure|calls|tool_label|tool_json]...
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:?usage: fuzz.sh SECONDS [TARGET]...}
 shift
-[ $# -gt 0 ] || set -- der decode structure calls
+[ $# -gt 0 ] || set -- der decode structure calls tool_label tool_json
 build=build/fuzz
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
@@ -22,6 +22,7 @@ for target in "$@"; do
   kept=fuzz/regressions/$target inputs=labels most=4096
   known=("$corpus")
   [ "$target" != calls ] || inputs=calls most=300
+  [ "$target" != tool_json ] || inputs=json most=8192
   mkdir -p "$corpus" "$found"
   [ ! -d "$kept" ] || known+=("$kept")
   "$build/bin/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \

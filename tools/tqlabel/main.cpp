@@ -24,7 +24,8 @@ void add_globals(Program& program) {
   CLI::App& app = program.app;
   app.set_version_flag("--version", "tqlabel " TQLABEL_VERSION);
   app.add_flag("--json", program.json, "Print JSON");
-  app.add_option("--color", program.color, "auto, always or never")
+  app.add_option("--color", program.color, "Use colors: auto, always or never")
+      ->option_text("auto|always|never")
       ->transform(CLI::CheckedTransformer(std::map<std::string, Color>{
           {"auto", Color::kAuto}, {"always", Color::kAlways}, {"never", Color::kNever}}));
   app.require_subcommand(1);
@@ -36,6 +37,9 @@ Status run(Program& program, int count, char** arguments) {
   add_globals(program);
   add_inspect(program);
   add_new(program);
+  add_edit(program);
+  add_diff(program);
+  add_lint(program);
   try {
     program.app.parse(count, arguments);
   } catch (const CLI::ParseError& error) {

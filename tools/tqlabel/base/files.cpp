@@ -19,54 +19,27 @@ namespace {
 
 constexpr std::size_t kFirstStep = 65536;
 
-[[noreturn]] void fail(const std::string& path, std::string advice = {}) {
-  throw Failure{.status = Status::kInputOutput,
-                .why = std::strerror(errno),
-                .file = path,
-                .advice = std::move(advice)};
-}
-
-Descriptor open_input(const std::string& path) {
-  if (path == "-") return Descriptor(::dup(STDIN_FILENO));
-  Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file.is_open()) fail(path);
-  return file;
-}
-
-// Reads until the buffer is full or the input ends; the answer is how much there was.
-std::size_t read_some(const Descriptor& file, const std::string& path, std::uint8_t* to,
-                      std::size_t room) {
-  std::size_t used = 0;
-  while (used < room) {
-    const ssize_t count = ::read(file.get(), to + used, room - used);
-    if (count < 0 && errno != EINTR) fail(path);
-    if (count == 0) break;
-    if (count > 0) used += static_cast<std::size_t>(count);
-  }
-  return used;
-}
-
-// Each step doubles what there is, so that an endless file costs as much memory as it has brought.
-template <class GoesOn>
-std::vector<std::uint8_t> read_steps(const std::string& path, std::size_t most, GoesOn goes_on) {
-  const Descriptor file = open_input(path);
-  std::vector<std::uint8_t> bytes;
-  std::size_t used = 0;
-  while (used < most && goes_on(bytes)) {
-    const std::size_t step = std::min(std::max(kFirstStep, used), most - used);
+// Reads on to a size; each step doubles what there is, so that a size that is a lie costs as much
+// memory as the file has brought.
+void read_to(const Descriptor& file, const std::string& path, std::size_t size,
+             std::vector<std::uint8_t>& bytes) {
+  while (bytes.size() < size) {
+    const std::size_t used = bytes.size();
+    const std::size_t step = std::min(std::max(kFirstStep, used), size - used);
     bytes.resize(used + step);
     const std::size_t count = read_some(file, path, bytes.data() + used, step);
-    used += count;
+    bytes.resize(used + count);
     if (count < step) break;
   }
-  bytes.resize(used);
-  return bytes;
 }
 
-std::string folder_of(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) return ".";
-  return slash == 0 ? "/" : path.substr(0, slash);
+// How many bytes are still to be read, where that can be told.
+std::optional<std::uint64_t> left_in(const Descriptor& file) {
+  struct stat status = {};
+  if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  const off_t position = ::lseek(file.get(), 0, SEEK_CUR);
+  if (position < 0 || position > status.st_size) return std::nullopt;
+  return static_cast<std::uint64_t>(status.st_size - position);
 }
 
 // What a new file may be; an existing one keeps what it had.
@@ -99,14 +72,75 @@ Descriptor::~Descriptor() {
   if (is_open()) ::close(number_);
 }
 
-std::vector<std::uint8_t> read_label_file(const std::string& path) {
-  return read_steps(path, UINT32_MAX, [](const std::vector<std::uint8_t>& bytes) {
-    return bytes.empty() || bytes[0] == der::kSequence;
-  });
+void fail_by_errno(const std::string& path, std::string advice) {
+  throw Failure{.status = Status::kInputOutput,
+                .why = std::strerror(errno),
+                .file = path,
+                .advice = std::move(advice)};
+}
+
+std::string folder_of(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+Descriptor open_input(const std::string& path) {
+  if (path == "-") return Descriptor(::dup(STDIN_FILENO));
+  Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.is_open()) fail_by_errno(path);
+  return file;
+}
+
+std::size_t read_some(const Descriptor& file, const std::string& path, std::uint8_t* to,
+                      std::size_t room) {
+  std::size_t used = 0;
+  while (used < room) {
+    const ssize_t count = ::read(file.get(), to + used, room - used);
+    if (count < 0 && errno != EINTR) fail_by_errno(path);
+    if (count == 0) break;
+    if (count > 0) used += static_cast<std::size_t>(count);
+  }
+  return used;
+}
+
+void write_at(const Descriptor& file, const std::string& path, Bytes bytes, std::uint64_t offset) {
+  while (!bytes.empty()) {
+    const ssize_t count =
+        ::pwrite(file.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+    if (count < 0 && errno != EINTR) fail_by_errno(path);
+    if (count <= 0) continue;
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+    offset += static_cast<std::uint64_t>(count);
+  }
+}
+
+std::size_t label_size(Bytes bytes) {
+  constexpr std::size_t kLongestLength = 4;
+  if (bytes.size() < 2 + kLongestLength || bytes[0] != der::kSequence) return bytes.size();
+  if (bytes[1] < 0x80) return std::size_t{2} + bytes[1];
+  const std::size_t count = bytes[1] & 0x7FU;
+  if (count > kLongestLength) return bytes.size();
+  std::size_t length = 0;
+  for (std::size_t i = 0; i < count; ++i) length = length << 8 | bytes[2 + i];
+  return 2 + count + length;
+}
+
+LabelFile read_label_file(const std::string& path) {
+  const Descriptor file = open_input(path);
+  const std::optional<std::uint64_t> whole = left_in(file);
+  LabelFile read;
+  read_to(file, path, kFirstStep, read.bytes);
+  const std::size_t size = label_size(read.bytes);
+  read_to(file, path, size, read.bytes);
+  if (whole) read.behind = *whole - std::min<std::uint64_t>(size, *whole);
+  read.bytes.resize(std::min(size, read.bytes.size()));
+  return read;
 }
 
 std::vector<std::uint8_t> read_small_file(const std::string& path, std::size_t most) {
-  std::vector<std::uint8_t> bytes = read_steps(path, most + 1, [](const auto&) { return true; });
+  std::vector<std::uint8_t> bytes;
+  read_to(open_input(path), path, most + 1, bytes);
   if (bytes.size() <= most) return bytes;
   throw Failure{.status = Status::kInputOutput,
                 .why = fmt::format("larger than {} bytes", most),
@@ -123,7 +157,7 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   file_ = Descriptor(::mkostemp(hidden_.data(), O_CLOEXEC));
   if (file_.is_open()) return;
   hidden_.clear();
-  fail(path_);
+  fail_by_errno(path_);
 }
 
 OutputFile::~OutputFile() {
@@ -135,20 +169,13 @@ int OutputFile::descriptor() const { return is_standard_output() ? STDOUT_FILENO
 void OutputFile::write(Bytes bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(descriptor(), bytes.data(), bytes.size());
-    if (count < 0 && errno != EINTR) fail(is_standard_output() ? "standard output" : path_);
+    if (count < 0 && errno != EINTR) fail_by_errno(is_standard_output() ? "standard output" : path_);
     if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
   }
 }
 
 void OutputFile::write_at(Bytes bytes, std::uint64_t offset) {
-  while (!bytes.empty()) {
-    const ssize_t count =
-        ::pwrite(descriptor(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
-    if (count < 0 && errno != EINTR) fail(path_);
-    if (count <= 0) continue;
-    bytes = bytes.subspan(static_cast<std::size_t>(count));
-    offset += static_cast<std::uint64_t>(count);
-  }
+  tool::write_at(file_, path_, bytes, offset);
 }
 
 // A file without a name cannot replace one that has it: it takes a hidden name first.
@@ -160,15 +187,15 @@ void OutputFile::name_it() {
       hidden_ = std::move(name);
       return;
     }
-    if (errno != EEXIST) fail(path_);
+    if (errno != EEXIST) fail_by_errno(path_);
   }
 }
 
 void OutputFile::commit() {
   if (is_standard_output()) return;
-  if (::fchmod(file_.get(), permissions_) != 0 || ::fsync(file_.get()) != 0) fail(path_);
+  if (::fchmod(file_.get(), permissions_) != 0 || ::fsync(file_.get()) != 0) fail_by_errno(path_);
   if (hidden_.empty()) name_it();
-  if (::rename(hidden_.c_str(), path_.c_str()) != 0) fail(path_);
+  if (::rename(hidden_.c_str(), path_.c_str()) != 0) fail_by_errno(path_);
   hidden_.clear();
 }
 

@@ -5,6 +5,7 @@
 // thrown as a Failure that names the file.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,9 +31,30 @@ class Descriptor {
   int number_ = -1;
 };
 
-// Reads a file as far as it can belong to one DER value: one that does not begin with a SEQUENCE is
-// not read further than that takes to see.
-[[nodiscard]] std::vector<std::uint8_t> read_label_file(const std::string& path);
+// Throws what the last system call has said about a file.
+[[noreturn]] void fail_by_errno(const std::string& path, std::string advice = {});
+
+[[nodiscard]] std::string folder_of(const std::string& path);
+
+[[nodiscard]] Descriptor open_input(const std::string& path);
+
+// Reads until there is no more room or the input ends; the answer is how much there was.
+[[nodiscard]] std::size_t read_some(const Descriptor& file, const std::string& path,
+                                    std::uint8_t* to, std::size_t room);
+
+void write_at(const Descriptor& file, const std::string& path, Bytes bytes, std::uint64_t offset);
+
+// What the header of a label says of its size; how much there is where that is none of a label.
+[[nodiscard]] std::size_t label_size(Bytes bytes);
+
+struct LabelFile {
+  std::vector<std::uint8_t> bytes;           // the label; less where the file is cut short
+  std::optional<std::uint64_t> behind = {};  // how many bytes follow it, where that can be told
+};
+
+// Reads the label at the front of a file and no more: one that does not begin with a SEQUENCE is
+// read no further than that takes to see.
+[[nodiscard]] LabelFile read_label_file(const std::string& path);
 
 // Reads a file of at most `most` bytes: JSON, keys, certificates.
 [[nodiscard]] std::vector<std::uint8_t> read_small_file(const std::string& path, std::size_t most);

@@ -3,7 +3,7 @@
 
 // Lines of "name: value", indented by their depth.
 
-#include <fmt/format.h>
+#include <fmt/color.h>
 
 #include <cstdio>
 #include <string_view>
@@ -12,7 +12,8 @@ namespace tq::tool {
 
 class Tree {
  public:
-  explicit Tree(std::FILE* out) : out_(out) {}
+  Tree(std::FILE* out, bool colored)
+      : out_(out), name_(colored ? fmt::text_style(fmt::emphasis::bold) : fmt::text_style()) {}
 
   // What is printed while the branch lives stands one step deeper.
   class Branch {
@@ -29,10 +30,10 @@ class Tree {
   };
 
   void line(std::string_view name, std::string_view value) {
-    fmt::print(out_, "{:{}}{}: {}\n", "", depth_ * kStep, name, value);
+    fmt::print(out_, "{:{}}{}: {}\n", "", depth_ * kStep, fmt::styled(name, name_), value);
   }
   [[nodiscard]] Branch branch(std::string_view name) {
-    fmt::print(out_, "{:{}}{}:\n", "", depth_ * kStep, name);
+    fmt::print(out_, "{:{}}{}:\n", "", depth_ * kStep, fmt::styled(name, name_));
     return Branch(*this);
   }
   [[nodiscard]] Branch branch(std::string_view name, std::string_view value) {
@@ -44,6 +45,7 @@ class Tree {
   static constexpr int kStep = 2;
 
   std::FILE* out_;
+  fmt::text_style name_;
   int depth_ = 0;
 };
 

@@ -27,15 +27,14 @@ std::string show_shape(const Label& label) {
   return padded ? "padded" : "plain";
 }
 
-void print_summary(Tree& tree, const Label& label) {
+void print_summary(Tree& tree, const Label& label, std::optional<std::uint64_t> behind) {
   tree.line("shape", show_shape(label));
   tree.line("format version", show_value(*label.head().find("versionText")));
   tree.line("size", show_size(label.bytes().size()));
   tree.line("head size", show_size(label.head().bytes().size()));
   tree.line(label.sealed ? "encrypted body size" : "body size",
             show_size((label.sealed ? label.body().content() : label.body().bytes()).size()));
-  const std::size_t behind = label.file.size() - label.bytes().size();
-  if (behind != 0) tree.line("behind the label", show_size(behind));
+  if (behind.value_or(0) != 0) tree.line("behind the label", show_size(*behind));
 }
 
 Json certificate_json(const std::string& path, const Certificate& certificate) {
@@ -48,7 +47,7 @@ Json certificate_json(const std::string& path, const Certificate& certificate) {
 }
 
 // What is not of the label itself, for readers.
-Json notes(const Label& label, bool with_offsets) {
+Json notes(const Label& label, std::optional<std::uint64_t> behind, bool with_offsets) {
   Json certificates = Json::array();
   Json offsets = Json::array();
   walk(label.root, [&](const std::string& path, const Item& item) {
@@ -61,7 +60,7 @@ Json notes(const Label& label, bool with_offsets) {
   });
   Json notes = {{"shape", show_shape(label)},
                 {"size", label.bytes().size()},
-                {"behind", label.file.size() - label.bytes().size()},
+                {"behind", behind ? Json(*behind) : Json()},
                 {"certificates", std::move(certificates)}};
   if (with_offsets) notes["offsets"] = std::move(offsets);
   return notes;
@@ -69,7 +68,7 @@ Json notes(const Label& label, bool with_offsets) {
 
 class Inspection {
  public:
-  explicit Inspection(const Options& options) : options_(options) {}
+  Inspection(const Options& options, bool colored) : options_(options), tree_(stdout, colored) {}
 
   Status run() {
     if (options_.paths.size() == 1) return file(options_.paths.front());
@@ -88,11 +87,9 @@ class Inspection {
  private:
   Status file(const std::string& path) {
     try {
-      const std::vector<std::uint8_t> bytes = read_label_file(path);
-      Label label;
-      const std::optional<Fault> fault = read_label(bytes, label);
-      if (fault) throw fault->failure(path);
-      options_.json ? as_json(label) : as_text(label);
+      const LabelFile read = read_label_file(path);
+      const Label label = label_in(read.bytes, path);
+      options_.json ? as_json(label, read.behind) : as_text(label, read.behind);
       return Status::kYes;
     } catch (const Failure& failure) {
       report(failure);
@@ -100,20 +97,20 @@ class Inspection {
     }
   }
 
-  void as_text(const Label& label) {
-    print_summary(tree_, label);
+  void as_text(const Label& label, std::optional<std::uint64_t> behind) {
+    print_summary(tree_, label, behind);
     const PrintOptions print_options = {options_.offsets ? label.file.data() : nullptr};
     for (const Item& part : label.root.children) print(tree_, part, print_options);
   }
 
-  void as_json(const Label& label) const {
+  void as_json(const Label& label, std::optional<std::uint64_t> behind) const {
     Json json = to_json(label);
-    json["notes"] = notes(label, options_.offsets);
+    json["notes"] = notes(label, behind, options_.offsets);
     fmt::print("{}\n", json.dump(2));
   }
 
   const Options& options_;
-  Tree tree_{stdout};
+  Tree tree_;
 };
 
 }  // namespace
@@ -127,7 +124,7 @@ void add_inspect(Program& program) {
   command->callback([&program, options] {
     program.run = [&program, options] {
       options->json = program.json;
-      return Inspection(*options).run();
+      return Inspection(*options, is_colored(program.color, stdout)).run();
     };
   });
 }

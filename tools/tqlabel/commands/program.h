@@ -7,11 +7,10 @@
 #include <functional>
 #include <string>
 
+#include "base/color.h"
 #include "base/failure.h"
 
 namespace tq::tool {
-
-enum class Color { kAuto, kAlways, kNever };
 
 struct Program {
   CLI::App app{"Builds, shows, checks and edits the security labels of protected files.",
@@ -31,6 +30,9 @@ inline CLI::App* add_command(Program& program, const std::string& name, const st
 
 void add_inspect(Program& program);
 void add_new(Program& program);
+void add_edit(Program& program);
+void add_diff(Program& program);
+void add_lint(Program& program);
 
 }  // namespace tq::tool
 

@@ -435,6 +435,8 @@ Json parse_json(Bytes text, const std::string& file) {
                   .file = file,
                   .at = error.byte,
                   .advice = "check the syntax there"};
+  } catch (const Json::out_of_range&) {
+    throw Failure{Status::kUsage, "a number that is out of range", file};
   }
 }
 

@@ -20,6 +20,13 @@ Failure Fault::failure(const std::string& file) const {
           .advice = "tqlabel lint says more"};
 }
 
+Label label_in(Bytes bytes, const std::string& file) {
+  Label label;
+  const std::optional<Fault> fault = read_label(bytes, label);
+  if (fault) throw fault->failure(file);
+  return label;
+}
+
 std::string type_name(der::Octet tag) {
   switch (tag) {
     case der::kBoolean:

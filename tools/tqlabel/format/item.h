@@ -64,7 +64,7 @@ struct Fault {
 };
 
 struct Label {
-  Bytes file;  // which must outlive the label
+  Bytes file;  // the label and perhaps what is behind it; must outlive the rest
   Item root;   // head, body, padding
   tq::Layout layout;
   bool sealed = false;  // the body is encrypted
@@ -81,6 +81,9 @@ struct Label {
 // Splits the label at the front of a file. It succeeds exactly where the library decodes the label,
 // or its head if the body is encrypted; otherwise the answer is what is wrong with it.
 [[nodiscard]] std::optional<Fault> read_label(Bytes file, Label& label);
+
+// The same; a fault is thrown as the failure of the file.
+[[nodiscard]] Label label_in(Bytes bytes, const std::string& file);
 
 // The same for a body that was decrypted from a label of this layout.
 [[nodiscard]] std::optional<Fault> read_body(Bytes bytes, const tq::Layout& layout, Item& body);

@@ -1,0 +1,125 @@
+// Compares two labels.
+
+#include <fmt/color.h>
+#include <tqlabel/label.h>
+
+#include <memory>
+
+#include "base/files.h"
+#include "commands/program.h"
+#include "core/entry/label.h"
+#include "format/compare.h"
+#include "format/json.h"
+#include "format/print.h"
+
+namespace tq::tool {
+namespace {
+
+enum class Verdict { kHolds, kBroken, kReplaced, kUnknown };
+
+constexpr const char* kVerdicts[] = {"still holds", "broken", "replaced", "cannot be told"};
+
+// What the signer of the head has signed, or nothing where the library does not write it again.
+std::vector<std::uint8_t> head_message(const Label& label) {
+  TqLabel decoded = nullptr;
+  const auto size = static_cast<std::uint32_t>(label.file.size());
+  if (label.sealed || DecodeLabel(label.file.data(), size, &decoded) != 0) return {};
+  const LabelOwner owner(decoded);
+  std::uint32_t length = 0;
+  if (GetSignatureMessage(decoded, nullptr, &length) != 0) return {};
+  std::vector<std::uint8_t> message(length);
+  if (GetSignatureMessage(decoded, message.data(), &length) != 0) return {};
+  return message;
+}
+
+const Item& head_signature(const Label& label) { return *label.head().find("headSign"); }
+
+Verdict head_verdict(const Label& before, const Label& after) {
+  if (!std::ranges::equal(head_signature(before).bytes(), head_signature(after).bytes())) {
+    return Verdict::kReplaced;
+  }
+  const std::vector<std::uint8_t> signed_before = head_message(before);
+  const std::vector<std::uint8_t> signed_after = head_message(after);
+  if (signed_before.empty() || signed_after.empty()) return Verdict::kUnknown;
+  return signed_before == signed_after ? Verdict::kHolds : Verdict::kBroken;
+}
+
+const char* describe(const Change& change) {
+  if (change.before == nullptr) return "added";
+  return change.after == nullptr ? "removed" : "changed";
+}
+
+// A record in one line.
+std::string show(const Item& item) {
+  if (item.kind != Kind::kRecord) return show_value(item);
+  std::string text;
+  for (const Item& child : item.children) {
+    if (!text.empty()) text += ", ";
+    const std::string value = show(child);
+    text += child.kind == Kind::kRecord ? value : fmt::format("{} {}", child.name, value);
+  }
+  return text;
+}
+
+fmt::text_style style_of(const Change& change, bool colored) {
+  if (!colored) return {};
+  return fmt::fg(change.before == nullptr ? fmt::terminal_color::green : fmt::terminal_color::red);
+}
+
+void print_change(const Change& change, bool colored) {
+  if (change.before != nullptr && change.after != nullptr) {
+    fmt::print("{}: {} -> {}\n", change.path, show(*change.before), show(*change.after));
+  } else {
+    const Item& item = change.before != nullptr ? *change.before : *change.after;
+    fmt::print("{} {}: {}\n", change.path, fmt::styled(describe(change), style_of(change, colored)),
+               show(item));
+  }
+}
+
+Json change_json(const Change& change) {
+  const auto value = [](const Item* item) { return item == nullptr ? Json() : to_json(*item); };
+  return {{"path", change.path},
+          {"change", describe(change)},
+          {"before", value(change.before)},
+          {"after", value(change.after)}};
+}
+
+void print_json(const std::vector<Change>& changes, Verdict head) {
+  Json list = Json::array();
+  for (const Change& change : changes) list.push_back(change_json(change));
+  const Json json = {{"form", "tqlabel/diff/1"},
+                     {"changes", std::move(list)},
+                     {"headSignature", kVerdicts[static_cast<int>(head)]}};
+  fmt::print("{}\n", json.dump(2));
+}
+
+Status diff(const Program& program, const std::string& left, const std::string& right) {
+  const LabelFile read_left = read_label_file(left);
+  const LabelFile read_right = read_label_file(right);
+  const Label before = label_in(read_left.bytes, left);
+  const Label after = label_in(read_right.bytes, right);
+  const std::vector<Change> changes = compare(before.root, after.root);
+  const Verdict head = head_verdict(before, after);
+  if (program.json) {
+    print_json(changes, head);
+  } else {
+    for (const Change& change : changes) print_change(change, is_colored(program.color, stdout));
+    if (!changes.empty()) fmt::print("head signature: {}\n", kVerdicts[static_cast<int>(head)]);
+  }
+  return changes.empty() ? Status::kYes : Status::kNo;
+}
+
+}  // namespace
+
+void add_diff(Program& program) {
+  CLI::App* command = add_command(program, "diff", "Tell what differs between two labels",
+                                  "tqlabel diff before.label after.label");
+  auto paths = std::make_shared<std::pair<std::string, std::string>>();
+  command->add_option("A", paths->first, "a label")->required();
+  command->add_option("B", paths->second, "what became of it")->required();
+  command->callback([&program, paths] {
+    program.run = [&program, paths] { return diff(program, paths->first, paths->second); };
+  });
+}
+
+}  // namespace tq::tool
