@@ -1,6 +1,6 @@
 # A short front for the presets. Each target first installs what packages.txt lists and is missing.
 .DEFAULT_GOAL := test
-.PHONY: asan bench bench-programs clean demo docs format fuzz instructions lint packages plot test \
+.PHONY: asan bench bench-programs bounds clean coverage demo docs format fuzz instructions lint packages plot test \
   valgrind
 
 packages:
@@ -22,6 +22,9 @@ valgrind: packages
 	cmake --build --preset dev
 	scripts/valgrind.sh build/dev
 
+coverage: packages
+	scripts/coverage.sh
+
 # make fuzz SECONDS=n: each fuzzer for that long
 SECONDS ?= 60
 fuzz: packages
@@ -29,14 +32,20 @@ fuzz: packages
 
 bench-programs: packages
 	cmake --preset release -DTQLABEL_BUILD_BENCH=ON
-	cmake --build --preset release --target bench_times bench_instructions bench_memory
+	cmake --build --preset release --target bench_times bench_instructions bench_memory \
+	  bench_bounds
 
-bench: bench-programs
+bench: bench-programs bounds
 	build/release/bin/bench_memory > build/release/memory.json
 	build/release/bin/bench_times --benchmark_enable_random_interleaving=true \
 	  --benchmark_repetitions=9 --benchmark_min_time=0.05 \
 	  --benchmark_out_format=json --benchmark_out=build/release/times.json >/dev/null
 	bench/report.py build/release
+
+# what the worst inputs cost; fails where a bound of docs/security.md is broken
+bounds: bench-programs
+	build/release/bin/bench_bounds > build/release/bounds.json
+	bench/bounds.py build/release
 
 instructions: bench-programs
 	bench/instructions.py build/release/bin/bench_instructions --check

@@ -2,6 +2,7 @@
 
 #include <tqasn1/asn1.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
@@ -24,6 +25,8 @@ std::atomic<std::size_t> blocks{0};
 std::atomic<std::size_t> bytes{0};
 std::atomic<std::size_t> calls{0};
 std::atomic<std::size_t> failing_call{0};
+std::atomic<std::size_t> peak{0};
+std::atomic<std::size_t> largest_block{0};
 
 void require(bool condition, const char* complaint) {
   if (condition) return;
@@ -43,6 +46,8 @@ void* Asn1Malloc(size_t size) {
   std::memcpy(block + size, &kEnd, sizeof kEnd);
   ++blocks;
   bytes += size;
+  peak = std::max(peak.load(), bytes.load());
+  largest_block = std::max(largest_block.load(), size);
   return block;
 }
 
@@ -64,6 +69,15 @@ void Asn1Free(void* block) {
 namespace tq::test {
 
 Allocations allocations() { return {blocks, bytes, calls}; }
+
+Peak::Peak() {
+  peak = before_;
+  largest_block = 0;
+}
+
+std::size_t Peak::bytes() const { return peak - before_; }
+
+std::size_t Peak::largest() const { return largest_block; }
 
 FailNth::FailNth(std::size_t n) { failing_call = calls + n; }
 

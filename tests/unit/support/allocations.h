@@ -43,6 +43,18 @@ class NoLeaks {
   Allocations before_ = allocations();
 };
 
+// The most that was allocated since it was made. At most one at a time.
+class Peak {
+ public:
+  Peak();
+
+  [[nodiscard]] std::size_t bytes() const;  // live at once, beyond those of the time of its making
+  [[nodiscard]] std::size_t largest() const;  // block
+
+ private:
+  std::size_t before_ = allocations().bytes;
+};
+
 // Runs the attempt once for each of its allocations, with that one failing, and then once without
 // a failure. The attempt answers whether it succeeded, which it must when nothing fails and must
 // not otherwise, and leaves nothing allocated either way. Returns the number of allocations.
