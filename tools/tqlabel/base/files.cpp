@@ -169,13 +169,18 @@ int OutputFile::descriptor() const { return is_standard_output() ? STDOUT_FILENO
 void OutputFile::write(Bytes bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(descriptor(), bytes.data(), bytes.size());
-    if (count < 0 && errno != EINTR) fail_by_errno(is_standard_output() ? "standard output" : path_);
+    if (count < 0 && errno != EINTR)
+      fail_by_errno(is_standard_output() ? "standard output" : path_);
     if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
   }
 }
 
 void OutputFile::write_at(Bytes bytes, std::uint64_t offset) {
   tool::write_at(file_, path_, bytes, offset);
+}
+
+void OutputFile::seek(std::uint64_t offset) {
+  if (::lseek(descriptor(), static_cast<off_t>(offset), SEEK_SET) < 0) fail_by_errno(path_);
 }
 
 // A file without a name cannot replace one that has it: it takes a hidden name first.

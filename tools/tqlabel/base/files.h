@@ -75,6 +75,7 @@ class OutputFile {
 
   void write(Bytes bytes);
   void write_at(Bytes bytes, std::uint64_t offset);  // not to standard output
+  void seek(std::uint64_t offset);                   // where the next write goes
   // Gives the file its name; what a disk has not taken by then is a failure, too.
   void commit();
 

@@ -11,7 +11,6 @@
 
 #include "base/failure.h"
 #include "base/files.h"
-#include "crypto/secret.h"
 #include "format/certificate.h"
 
 namespace tq::tool {
@@ -50,9 +49,9 @@ KeyKind kind_of(EVP_PKEY* key, const std::string& file) {
 // As labels can hold it: these types of attributes and of strings, and one attribute in each
 // relative name.
 bool can_hold(const X509_NAME_ENTRY* entry) {
-  constexpr std::array kTypes = {NID_commonName,          NID_countryName,
-                                 NID_localityName,        NID_stateOrProvinceName,
-                                 NID_organizationName,    NID_organizationalUnitName,
+  constexpr std::array kTypes = {NID_commonName,        NID_countryName,
+                                 NID_localityName,      NID_stateOrProvinceName,
+                                 NID_organizationName,  NID_organizationalUnitName,
                                  NID_pkcs9_emailAddress};
   constexpr std::array kTags = {V_ASN1_UTF8STRING, V_ASN1_PRINTABLESTRING, V_ASN1_IA5STRING,
                                 V_ASN1_BMPSTRING};
@@ -123,16 +122,15 @@ std::vector<std::uint8_t> encode(const X509* certificate) {
   return bytes;
 }
 
-Key read_private_key(const std::string& file, const std::string& passphrase) {
+Key read_private_key(const std::string& file, Bytes passphrase) {
   std::vector<std::uint8_t> bytes = read_small_file(file, kMostKeyFile);
   const OnExit wipe([&] { OPENSSL_cleanse(bytes.data(), bytes.size()); });
   EVP_PKEY* made = nullptr;
   const Owned<OSSL_DECODER_CTX, OSSL_DECODER_CTX_free> decoder(OSSL_DECODER_CTX_new_for_pkey(
       &made, nullptr, nullptr, nullptr, EVP_PKEY_KEYPAIR, nullptr, nullptr));
   require(decoder != nullptr, "decoding a key", file);
-  const auto* text = reinterpret_cast<const unsigned char*>(passphrase.data());
   if (!passphrase.empty()) {
-    OSSL_DECODER_CTX_set_passphrase(decoder.get(), text, passphrase.size());
+    OSSL_DECODER_CTX_set_passphrase(decoder.get(), passphrase.data(), passphrase.size());
   }
   const unsigned char* at = bytes.data();
   std::size_t left = bytes.size();
@@ -149,6 +147,12 @@ Key read_private_key(const std::string& file, const std::string& passphrase) {
 PJCertIssuer Party::issuer_name() const {
   const auto count = static_cast<std::uint32_t>(issuer.size());
   return {const_cast<PJCertIssuerEntry*>(issuer.data()), count, count};
+}
+
+bool Party::is_in_force(std::time_t when) const {
+  const X509Owner parsed = parse(certificate, file);
+  return X509_cmp_time(X509_get0_notBefore(parsed.get()), &when) < 0 &&
+         X509_cmp_time(X509_get0_notAfter(parsed.get()), &when) > 0;
 }
 
 void Party::require_in_force(std::time_t when) const {
@@ -180,12 +184,41 @@ Party read_party(const std::string& certificate_file) {
 }
 
 Party read_party(const std::string& certificate_file, const std::string& key_file,
-                 const std::string& passphrase) {
+                 Bytes passphrase) {
   Party party = read_party(certificate_file);
   party.private_key = read_private_key(key_file, passphrase);
   if (EVP_PKEY_eq(party.private_key.get(), party.public_key.get()) == 1) return party;
   ERR_clear_error();
   refuse(key_file, "not the private key of " + escaped_path(certificate_file));
+}
+
+std::string chain_fault(const Party& party, const std::vector<std::string>& trusted,
+                        std::time_t when) {
+  const Owned<X509_STORE, X509_STORE_free> store(X509_STORE_new());
+  require(store != nullptr, "making a store of certificates");
+  for (const std::string& file : trusted) {
+    const X509Owner anchor = parse(read_small_file(file, kMostKeyFile), file);
+    require(X509_STORE_add_cert(store.get(), anchor.get()) == 1, "trusting a certificate", file);
+  }
+  const X509Owner certificate = parse(party.certificate, party.file);
+  const Owned<X509_STORE_CTX, X509_STORE_CTX_free> context(X509_STORE_CTX_new());
+  require(context != nullptr &&
+              X509_STORE_CTX_init(context.get(), store.get(), certificate.get(), nullptr) == 1,
+          "checking a chain");
+  // What is named is trusted, be it a root or not.
+  X509_STORE_CTX_set_flags(context.get(), X509_V_FLAG_PARTIAL_CHAIN);
+  X509_STORE_CTX_set_time(context.get(), 0, when);
+  const bool trusts = X509_verify_cert(context.get()) == 1;
+  const int error = X509_STORE_CTX_get_error(context.get());
+  ERR_clear_error();
+  return trusts ? std::string() : X509_verify_cert_error_string(error);
+}
+
+Secret read_passphrase(const std::string& file) {
+  if (file.empty()) return {};
+  std::vector<std::uint8_t> bytes = read_small_file(file, kMostKeyFile);
+  const OnExit wipe([&] { OPENSSL_cleanse(bytes.data(), bytes.size()); });
+  return {bytes.begin(), std::ranges::find(bytes, '\n')};
 }
 
 }  // namespace tq::tool

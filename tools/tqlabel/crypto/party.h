@@ -11,6 +11,7 @@
 
 #include "base/text.h"
 #include "crypto/openssl.h"
+#include "crypto/secret.h"
 
 namespace tq::tool {
 
@@ -28,6 +29,7 @@ struct Party {
 
   // For calls of the library, which copy it.
   [[nodiscard]] PJCertIssuer issuer_name() const;
+  [[nodiscard]] bool is_in_force(std::time_t when) const;
   // Throws unless the certificate was in force then.
   void require_in_force(std::time_t when) const;
 };
@@ -41,7 +43,15 @@ struct Party {
 // With the private key from a file in PEM or DER, which must be that of the certificate. A
 // passphrase may be empty.
 [[nodiscard]] Party read_party(const std::string& certificate_file, const std::string& key_file,
-                               const std::string& passphrase);
+                               Bytes passphrase);
+
+// Why a certificate does not lead to one of those that are trusted, in files in PEM or DER, at that
+// time; empty where it does (RFC 5280).
+[[nodiscard]] std::string chain_fault(const Party& party, const std::vector<std::string>& trusted,
+                                      std::time_t when);
+
+// The first line of a file; nothing without a file.
+[[nodiscard]] Secret read_passphrase(const std::string& file);
 
 }  // namespace tq::tool
 

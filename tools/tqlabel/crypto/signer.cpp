@@ -1,9 +1,9 @@
 #include "crypto/signer.h"
 
-#include <openssl/core_names.h>
 #include <openssl/ec.h>
 #include <openssl/err.h>
-#include <openssl/params.h>
+
+#include <string_view>
 
 namespace tq::tool {
 namespace {
@@ -14,12 +14,11 @@ using Context = Owned<EVP_MD_CTX, EVP_MD_CTX_free>;
 constexpr std::size_t kNumberSize = 32;
 
 // SM2 signs under an identity; this is the one that everybody uses.
-const OSSL_PARAM* parameters_for(KeyKind kind) {
-  static char identity[] = "1234567812345678";
-  static const OSSL_PARAM sm2[] = {
-      OSSL_PARAM_construct_octet_string(OSSL_PKEY_PARAM_DIST_ID, identity, sizeof identity - 1),
-      OSSL_PARAM_END};
-  return kind == KeyKind::kSm2 ? sm2 : nullptr;
+constexpr std::string_view kIdentity = "1234567812345678";
+
+bool set_identity(EVP_PKEY_CTX* context, KeyKind kind) {
+  return kind == KeyKind::kRsa ||
+         EVP_PKEY_CTX_set1_id(context, kIdentity.data(), kIdentity.size()) == 1;
 }
 
 const char* digest_of(KeyKind kind) { return kind == KeyKind::kSm2 ? "SM3" : "SHA256"; }
@@ -29,10 +28,10 @@ std::vector<std::uint8_t> raw_of(Bytes der) {
   const Ecdsa parsed(d2i_ECDSA_SIG(nullptr, &at, static_cast<long>(der.size())));
   std::vector<std::uint8_t> raw(2 * kNumberSize);
   constexpr int kSize = kNumberSize;
-  require(parsed && BN_bn2binpad(ECDSA_SIG_get0_r(parsed.get()), raw.data(), kSize) == kSize &&
-              BN_bn2binpad(ECDSA_SIG_get0_s(parsed.get()), raw.data() + kNumberSize, kSize) ==
-                  kSize,
-          "an SM2 signature");
+  require(
+      parsed && BN_bn2binpad(ECDSA_SIG_get0_r(parsed.get()), raw.data(), kSize) == kSize &&
+          BN_bn2binpad(ECDSA_SIG_get0_s(parsed.get()), raw.data() + kNumberSize, kSize) == kSize,
+      "an SM2 signature");
   return raw;
 }
 
@@ -57,11 +56,12 @@ const char* signature_name(KeyKind kind) {
 
 std::vector<std::uint8_t> sign(Bytes message, const Party& signer) {
   const Context context(EVP_MD_CTX_new());
+  EVP_PKEY_CTX* parameters = nullptr;
   std::size_t length = 0;
   require(context &&
-              EVP_DigestSignInit_ex(context.get(), nullptr, digest_of(signer.kind), nullptr,
-                                    nullptr, signer.private_key.get(),
-                                    parameters_for(signer.kind)) == 1 &&
+              EVP_DigestSignInit_ex(context.get(), &parameters, digest_of(signer.kind), nullptr,
+                                    nullptr, signer.private_key.get(), nullptr) == 1 &&
+              set_identity(parameters, signer.kind) &&
               EVP_DigestSign(context.get(), nullptr, &length, message.data(), message.size()) == 1,
           "signing", signer.file);
   std::vector<std::uint8_t> value(length);
@@ -75,10 +75,12 @@ bool is_signed(Bytes message, Bytes signature, const Party& signer) {
   std::vector<std::uint8_t> der;
   if (signer.kind == KeyKind::kSm2) signature = der = der_of(signature);
   const Context context(EVP_MD_CTX_new());
+  EVP_PKEY_CTX* parameters = nullptr;
   const bool verified =
       context &&
-      EVP_DigestVerifyInit_ex(context.get(), nullptr, digest_of(signer.kind), nullptr, nullptr,
-                              signer.public_key.get(), parameters_for(signer.kind)) == 1 &&
+      EVP_DigestVerifyInit_ex(context.get(), &parameters, digest_of(signer.kind), nullptr, nullptr,
+                              signer.public_key.get(), nullptr) == 1 &&
+      set_identity(parameters, signer.kind) &&
       EVP_DigestVerify(context.get(), signature.data(), signature.size(), message.data(),
                        message.size()) == 1;
   ERR_clear_error();

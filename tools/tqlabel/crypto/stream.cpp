@@ -15,9 +15,9 @@ Cbc::Cbc(Bytes key, const Iv& iv, Direction direction) : context_(EVP_CIPHER_CTX
 
 std::size_t Cbc::update(Bytes in, std::uint8_t* out) {
   int length = 0;
-  require(EVP_CipherUpdate(context_.get(), out, &length, in.data(), static_cast<int>(in.size())) ==
-              1,
-          "AES-256-CBC");
+  require(
+      EVP_CipherUpdate(context_.get(), out, &length, in.data(), static_cast<int>(in.size())) == 1,
+      "AES-256-CBC");
   return static_cast<std::size_t>(length);
 }
 
@@ -65,8 +65,7 @@ Sum Sha256::finish() {
 }
 
 bool are_equal(Bytes left, Bytes right) {
-  return left.size() == right.size() &&
-         CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
+  return left.size() == right.size() && CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
 }
 
 void fill_randomly(std::span<std::uint8_t> bytes) {

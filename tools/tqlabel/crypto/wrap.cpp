@@ -42,9 +42,9 @@ Secret unwrap(Bytes wrapped, const Party& recipient) {
           "unwrapping the key");
   Secret key(wrapped.size() + kKeySize);
   std::size_t length = key.size();
-  const bool done = EVP_PKEY_decrypt(context.get(), key.data(), &length, wrapped.data(),
-                                     wrapped.size()) == 1 &&
-                    length == kKeySize;
+  const bool done =
+      EVP_PKEY_decrypt(context.get(), key.data(), &length, wrapped.data(), wrapped.size()) == 1 &&
+      length == kKeySize;
   ERR_clear_error();
   if (!done) throw Failure{.status = Status::kCrypto, .why = "the key does not unwrap"};
   key.resize(kKeySize);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/failure.h"
+#include "crypto/stream.h"
 #include "sealed/body.h"
 
 namespace tq::tool {
@@ -10,7 +11,6 @@ namespace {
 
 using Encoded = std::vector<std::uint8_t>;
 
-// No label is without an entry on the way here: an encoder fails for want of memory alone.
 std::uint32_t size_around(TqLabel label, Bytes body) {
   std::uint32_t length = 0;
   if (EncodeLabelPadEncrypted(label, body.data(), static_cast<std::uint32_t>(body.size()), nullptr,

@@ -11,6 +11,8 @@
 
 namespace tq::tool {
 
+[[noreturn]] void throw_not_encodable();
+
 // The bytes that an encoder of the library gives. What does not encode is thrown.
 template <class Encoder>
 [[nodiscard]] Secret encoded(TqLabel label, Encoder encoder) {
@@ -22,8 +24,6 @@ template <class Encoder>
   if (!done) throw_not_encodable();
   return bytes;
 }
-[[noreturn]] void throw_not_encodable();
-
 // The element of the head, as it stands in the sealed label.
 [[nodiscard]] std::vector<std::uint8_t> head_element(TqLabel label);
 
