@@ -1,7 +1,7 @@
 # Each code has a page and a label that it alone is found in.
 cp "$TQLABEL_DATA"/cli/lint/*.der .
 "$TQLABEL" lint --explain all >pages
-for code in $(grep -o '^TQ[0-9]* ' pages); do
+grep -o "^TQ[0-9]*" pages | while read -r code; do
   "$TQLABEL" lint "$code.der" >findings && echo "$code.der is clean"
   [ "$(cut -d ' ' -f 3 findings | sort -u)" = "$code" ] || echo "$code.der has other codes"
   size=$("$TQLABEL" lint --explain "$code" | tail -n +3 | wc -l)

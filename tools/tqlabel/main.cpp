@@ -40,6 +40,16 @@ Status run(Program& program, int count, char** arguments) {
   add_edit(program);
   add_diff(program);
   add_lint(program);
+  add_protect(program);
+  add_open(program);
+  add_recipients(program);
+  add_rekey(program);
+  add_log_command(program);
+  add_abolish(program);
+  add_check(program);
+  add_verify(program);
+  add_completion(program);
+  add_man(program);
   try {
     program.app.parse(count, arguments);
   } catch (const CLI::ParseError& error) {

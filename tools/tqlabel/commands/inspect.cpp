@@ -11,14 +11,28 @@
 #include "format/json.h"
 #include "format/print.h"
 #include "format/values.h"
+#include "sealed/layout.h"
+#include "sealed/sealed_file.h"
 
 namespace tq::tool {
 namespace {
 
 struct Options {
   std::vector<std::string> paths;
+  std::string key;
+  std::string certificate;
+  std::string passphrase;
   bool offsets = false;
   bool json = false;
+};
+
+// A label and, where it was encrypted and a key was given, the body that it holds.
+struct Inspected {
+  std::vector<std::uint8_t> bytes;
+  std::optional<std::uint64_t> behind;
+  Label label;
+  Secret body_bytes = {};
+  std::optional<Item> body = {};
 };
 
 std::string show_shape(const Label& label) {
@@ -47,17 +61,23 @@ Json certificate_json(const std::string& path, const Certificate& certificate) {
 }
 
 // What is not of the label itself, for readers.
-Json notes(const Label& label, std::optional<std::uint64_t> behind, bool with_offsets) {
+Json notes(const Inspected& inspected, bool with_offsets) {
+  const Label& label = inspected.label;
+  const std::optional<std::uint64_t> behind = inspected.behind;
   Json certificates = Json::array();
   Json offsets = Json::array();
+  const auto add_certificate = [&](const std::string& path, const Item& item) {
+    if (item.kind != Kind::kElement) return;
+    const std::optional<Certificate> certificate = read_certificate(item.bytes());
+    if (certificate) certificates.push_back(certificate_json(path, *certificate));
+  };
   walk(label.root, [&](const std::string& path, const Item& item) {
     if (item.element.start == nullptr) return;
     offsets.push_back(
         {{"path", path}, {"at", label.offset_of(item)}, {"length", item.element.size()}});
-    if (item.kind != Kind::kElement) return;
-    const std::optional<Certificate> certificate = read_certificate(item.bytes());
-    if (certificate) certificates.push_back(certificate_json(path, *certificate));
+    add_certificate(path, item);
   });
+  if (inspected.body) walk(*inspected.body, add_certificate, "body");
   Json notes = {{"shape", show_shape(label)},
                 {"size", label.bytes().size()},
                 {"behind", behind ? Json(*behind) : Json()},
@@ -87,9 +107,8 @@ class Inspection {
  private:
   Status file(const std::string& path) {
     try {
-      const LabelFile read = read_label_file(path);
-      const Label label = label_in(read.bytes, path);
-      options_.json ? as_json(label, read.behind) : as_text(label, read.behind);
+      const Inspected inspected = options_.key.empty() ? read(path) : open(path);
+      options_.json ? as_json(inspected) : as_text(inspected);
       return Status::kYes;
     } catch (const Failure& failure) {
       report(failure);
@@ -97,15 +116,42 @@ class Inspection {
     }
   }
 
-  void as_text(const Label& label, std::optional<std::uint64_t> behind) {
-    print_summary(tree_, label, behind);
-    const PrintOptions print_options = {options_.offsets ? label.file.data() : nullptr};
-    for (const Item& part : label.root.children) print(tree_, part, print_options);
+  static Inspected read(const std::string& path) {
+    LabelFile read = read_label_file(path);
+    Inspected inspected = {.bytes = std::move(read.bytes), .behind = read.behind, .label = {}};
+    inspected.label = label_in(inspected.bytes, path);
+    return inspected;
   }
 
-  void as_json(const Label& label, std::optional<std::uint64_t> behind) const {
-    Json json = to_json(label);
-    json["notes"] = notes(label, behind, options_.offsets);
+  [[nodiscard]] Inspected open(const std::string& path) const {
+    SealedFile file(path, EditFile::Purpose::kRead);
+    file.unlock(
+        read_party(options_.certificate, options_.key, read_passphrase(options_.passphrase)));
+    const Bytes label = file.file().label();
+    Inspected inspected = {
+        .bytes = {label.begin(), label.end()}, .behind = file.file().content_size(), .label = {}};
+    inspected.label = label_in(inspected.bytes, path);
+    inspected.body_bytes = encoded(file.label(), EncodeBodyPlaint);
+    const std::optional<Fault> fault =
+        read_body(inspected.body_bytes, inspected.label.layout, inspected.body.emplace());
+    if (fault) throw fault->failure(path);
+    return inspected;
+  }
+
+  void as_text(const Inspected& inspected) {
+    const Label& label = inspected.label;
+    print_summary(tree_, label, inspected.behind);
+    const PrintOptions print_options = {options_.offsets ? label.file.data() : nullptr};
+    for (const Item& part : label.root.children) {
+      const bool opened = &part == &label.body() && inspected.body;
+      opened ? print(tree_, *inspected.body, {}) : print(tree_, part, print_options);
+    }
+  }
+
+  void as_json(const Inspected& inspected) const {
+    Json json = to_json(inspected.label);
+    if (inspected.body) json["body"] = to_json(*inspected.body);
+    json["notes"] = notes(inspected, options_.offsets);
     fmt::print("{}\n", json.dump(2));
   }
 
@@ -121,6 +167,13 @@ void add_inspect(Program& program) {
   auto options = std::make_shared<Options>();
   command->add_option("FILE", options->paths, "labels in DER, - for standard input")->required();
   command->add_flag("--offsets", options->offsets, "Add byte offset and length of each element");
+  CLI::Option* key = command->add_option("--key", options->key,
+                                         "private key of a recipient, to open sealed files");
+  CLI::Option* certificate =
+      command->add_option("--cert", options->certificate, "the recipient's certificate");
+  key->needs(certificate);
+  certificate->needs(key);
+  command->add_option("--pass", options->passphrase, "file with the passphrase of the key");
   command->callback([&program, options] {
     program.run = [&program, options] {
       options->json = program.json;

@@ -32,7 +32,17 @@ void add_inspect(Program& program);
 void add_new(Program& program);
 void add_edit(Program& program);
 void add_diff(Program& program);
+void add_recipients(Program& program);
+void add_rekey(Program& program);
+void add_log_command(Program& program);
+void add_abolish(Program& program);
+void add_check(Program& program);
+void add_verify(Program& program);
+void add_completion(Program& program);
+void add_man(Program& program);
 void add_lint(Program& program);
+void add_protect(Program& program);
+void add_open(Program& program);
 
 }  // namespace tq::tool
 

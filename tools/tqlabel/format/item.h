@@ -54,7 +54,7 @@ struct Item {
 
 // What keeps bytes from being a label, and where.
 struct Fault {
-  enum class What { kNotDer, kMissing, kWrongType, kBadValue, kVersion };
+  enum class What { kNotDer, kMissing, kWrongType, kBadValue, kUnknownVersion };
   What what = What::kNotDer;
   std::string path = {};
   std::size_t at = 0;  // byte within the file

@@ -16,8 +16,8 @@ void remove_at(Json& label, const std::string& path);
 // Puts an entry at the end of a list, which may have been left out.
 void add_at(Json& label, const std::string& path, Json entry);
 
-// A value as it is typed: JSON where it is that, but for a number, true or false where a text stands;
-// otherwise a text.
+// A value as it is typed: JSON where it is that, but for a number, true or false where a text
+// stands; otherwise a text.
 [[nodiscard]] Json typed_value(const Json& before, const std::string& text);
 
 }  // namespace tq::tool

@@ -374,7 +374,7 @@ Layout read_version(Reader& reader, der::Cursor label) {
   const der::Element text = reader.take(der::kPrintableString, in);
   TqLabelHandle version{};
   if (!read_version_text(view_of(text.content(), text.length, 0), version)) {
-    reader.fail(What::kVersion, "no format version that is known", text);
+    reader.fail(What::kUnknownVersion, "no format version that is known", text);
   }
   return layout_of(version);
 }

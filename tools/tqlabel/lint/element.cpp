@@ -226,8 +226,8 @@ void algorithm(const Place& place, Findings& out) {
 void certificate(const Place& place, Findings& out) {
   const der::Octet tag = place->element.tag();
   if (place->name != "certificate" && place->name != "bodySignCert") return;
-  if (tag != der::kSequence)
-    out.add(Code::kNoCertificate, place, type_name(tag) + " in place of a certificate");
+  if (tag == der::kSequence) return;
+  out.add(Code::kNoCertificate, place, type_name(tag) + " in place of a certificate");
 }
 
 void extension_type(const Place& place, Findings& out) {

@@ -13,7 +13,7 @@ Code code_of(Fault::What what) {
       return Code::kWrongType;
     case Fault::What::kBadValue:
       return Code::kBadValue;
-    case Fault::What::kVersion:
+    case Fault::What::kUnknownVersion:
       return Code::kVersion;
   }
   return Code::kNotDer;

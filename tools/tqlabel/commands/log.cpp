@@ -1,0 +1,92 @@
+// What was done with a sealed file: shows the log and adds to it.
+
+#include <fmt/format.h>
+
+#include "commands/access.h"
+#include "commands/program.h"
+#include "format/json.h"
+#include "format/values.h"
+#include "sealed/recipients.h"
+#include "sealed/sealed_file.h"
+
+namespace tq::tool {
+namespace {
+
+struct Options {
+  Access access;
+  std::string note;
+};
+
+Bytes bytes_of(const ANYBUF& field) {
+  return field.data == nullptr ? Bytes() : Bytes(field.data, field.length);
+}
+
+// The subject of the recipient with that serial number, or the number.
+std::string name_of(const Log& log, const std::vector<Party>& recipients) {
+  const Bytes serial = bytes_of(log.logArray1);
+  for (const Party& recipient : recipients) {
+    if (std::ranges::equal(recipient.serial, serial)) return recipient.subject;
+  }
+  return hexadecimal(serial);
+}
+
+Json log_json(const Log& log, const std::string& who) {
+  const auto text = [](const ANYBUF& field) {
+    return escaped(bytes_of(field), Encoding::kUtf8, "");
+  };
+  return {{"time", show_time(log.logTime)}, {"number", log.logType},
+          {"what", text(log.logText1)},     {"who", who},
+          {"value", log.logValue},          {"note", text(log.logText2)}};
+}
+
+Status list(const Options& options, bool as_json) {
+  SealedFile file(options.access.file, EditFile::Purpose::kRead);
+  file.unlock(options.access.recipient());
+  const std::vector<Party> recipients = recipients_of(*file.label(), options.access.file);
+  Json entries = Json::array();
+  for (const Log* log = file.label()->body.logs; log != nullptr; log = log->next) {
+    const Json entry = log_json(*log, name_of(*log, recipients));
+    if (as_json) {
+      entries.push_back(entry);
+    } else {
+      fmt::print("{}  {:<8}{:>4}  {}{}{}\n", entry["time"].get<std::string>(),
+                 entry["what"].get<std::string>(), log->logValue, entry["who"].get<std::string>(),
+                 log->logText2.length == 0 ? "" : ": ", entry["note"].get<std::string>());
+    }
+  }
+  if (as_json) {
+    fmt::print("{}\n", Json{{"form", "tqlabel/log/1"}, {"entries", std::move(entries)}}.dump(2));
+  }
+  return Status::kYes;
+}
+
+Status append(const Options& options) {
+  const Party self = options.access.recipient();
+  SealedFile file(options.access.file, EditFile::Purpose::kChange);
+  file.unlock(self);
+  append_log(file.label(), Action::kNote, self, 0, options.note);
+  file.save();
+  return Status::kYes;
+}
+
+}  // namespace
+
+void add_log_command(Program& program) {
+  const std::string example =
+      "tqlabel log append report.sealed --key me.key --cert me.cer --note printed";
+  CLI::App* command =
+      add_command(program, "log", "List or append what was done with a file", example);
+  command->require_subcommand(1);
+  auto options = std::make_shared<Options>();
+  CLI::App* lists = command->add_subcommand("list", "Print the log, newest first");
+  add_access(*lists, options->access);
+  lists->callback([&program, options] {
+    program.run = [&program, options] { return list(*options, program.json); };
+  });
+  CLI::App* appends = command->add_subcommand("append", "Add an entry to the log");
+  add_access(*appends, options->access);
+  appends->add_option("--note", options->note, "what was done")->required();
+  appends->callback([&program, options] { program.run = [options] { return append(*options); }; });
+}
+
+}  // namespace tq::tool
