@@ -62,12 +62,25 @@ bool is_complete(const SignAttribute& attribute) {
   return true;
 }
 
-// A certificate or a value that its own setter would refuse is passed over.
+// A certificate or a value that its own setter would refuse is passed over. Both are copied before
+// either is stored.
 [[nodiscard]] bool set_single_signer(TqLabel label, const SignAttribute& attribute) {
   const bool has_cert = attribute.cert != nullptr && attribute.certLen != 0;
   const bool has_value = attribute.valueLen % kValueUnit == 0;
-  return (!has_cert || SetBodySignCert(label, attribute.cert, attribute.certLen) == 0) &&
-         (!has_value || SetBodySigVal(label, attribute.value, attribute.valueLen) == 0);
+  ANYBUF cert{};
+  if (has_cert &&
+      !replace(cert, attribute.cert, attribute.certLen, der::type_word(der::kSequence))) {
+    return false;
+  }
+  if (has_value && SetBodySigVal(label, attribute.value, attribute.valueLen) != 0) {
+    clear(cert);
+    return false;
+  }
+  if (has_cert) {
+    clear(kSignCert(*label));
+    kSignCert(*label) = cert;
+  }
+  return true;
 }
 
 }  // namespace

@@ -212,21 +212,5 @@ TEST_F(Tree, OfAnExplicitTagHoldsExactlyOneElement) {
   EXPECT_EQ(QZAsn1SetExplicit(0, nullptr, &made), -1);
 }
 
-TEST_F(Tree, SurvivesEveryFailedAllocation) {
-  Input input(hex("A3 0A 30 08 01 01 FF 31 03 02 01 05"));
-  const auto attempt = [&] {
-    std::uint32_t number = 0;
-    ANYBUF* inner = nullptr;
-    ANYBUF* chain = nullptr;
-    ANYBUF* copy = nullptr;
-    const bool done = QZAsn1GetExplicit(input.node(), &number, &inner) == 0 &&
-                      QZAsn1GetSequence(inner, &chain) == 0 && QZAsn1SetSet(chain, &chain) == 0 &&
-                      QZAsn1SetExplicit(3, chain, &chain) == 0 && QZCopyAnyBuf(chain, &copy) == 0;
-    for (ANYBUF* node : {inner, chain, copy}) DIFreeAnybuf(node);
-    return done;
-  };
-  EXPECT_EQ(fail_each_allocation(attempt), 6U);
-}
-
 }  // namespace
 }  // namespace tq::test

@@ -14,8 +14,8 @@ using AllSchemas =
     ::testing::Types<Of<kContent>, Of<kFileCreator>, Of<kSysInfo>, Of<kFileAlign>,
                      Of<kAlgorithmPair>, Of<kExtend>, Of<kExtends>, Of<kWaterMark>, Of<kMeta>,
                      Of<kSeal>, Of<kStampText>, Of<kStamp>, Of<kAction>, Of<kActions>,
-                     Of<kFingerPrint>, Of<kExtPri>, Of<kExtPris>, Of<kPrivilege>, Of<kAttribute>,
-                     Of<kName>, Of<kIdentitySignature>, Of<kSignerInput>, Of<kSign>, Of<kMultiSign>,
+                     Of<kFingerPrint>, Of<kExtPri>, Of<kExtPris>, Of<kPrivilege>, Of<kName>,
+                     Of<kIdentitySignature>, Of<kSignerInput>, Of<kSign>, Of<kMultiSign>,
                      Of<kEnvelope>, Of<kHeadEnvelopes>, Of<kBodyEnvelope>, Of<kBodyEnvelopes>,
                      Of<kEncryptHead>, Of<kLog>, Of<kLogs>, Of<kHead>, Of<kBody>>;
 
