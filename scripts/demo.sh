@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Makes real certificates and with them one label of each version in each shape, and shows two.
+# Makes real certificates and with them one label of each version in each shape, and shows two; then
+# seals a document for two of three people.
 # usage: demo.sh BUILD_DIR   (a build with the tool and the examples)
 set -Eeuo pipefail
 shopt -s inherit_errexit
 trap 'echo "demo.sh: line $LINENO failed" >&2' ERR
 
 build=$(realpath "$1")
+document=$(realpath "$(dirname "$0")/../README.md")
 tool=$build/bin/tqlabel
 make_label=$build/bin/example_make_label
 finish_label=$build/bin/example_finish_label
@@ -112,3 +114,27 @@ for label in 6.0-plain.label 1.1.2-padded-encrypted.label; do
 done
 echo
 echo "$made labels lie in $out, each with what tqlabel inspect says of it in .txt"
+
+# show STATUS COMMAND...: the command as a person would type it, what it says, and its exit status,
+# which must be the one that is expected
+show() {
+  local status=0
+  printf '\n$ %s\n' "${*:2}"
+  PATH=$build/bin:$PATH "${@:2}" 2>&1 || status=$?
+  if [ "$status" -ne 0 ]; then echo "(exit status $status)"; fi
+  [ "$status" -eq "$1" ]
+}
+
+echo
+echo "A document for two of the three, who are rsa2048, rsa4096 and sm2:"
+cp "$document" document
+show 0 tqlabel protect document -o document.sealed --to rsa4096.cer sm2.cer \
+  --sign rsa2048.key,rsa2048.cer --title "What tqlabel is" --privilege print reads=3
+show 0 tqlabel inspect document.sealed
+show 0 tqlabel check document.sealed --as sm2.cer --key sm2.key
+show 0 tqlabel open document.sealed --key sm2.key --cert sm2.cer -o opened
+show 0 cmp document opened
+show 5 tqlabel open document.sealed --key rsa2048.key --cert rsa2048.cer -o refused
+show 0 tqlabel log list document.sealed --key rsa4096.key --cert rsa4096.cer
+show 0 tqlabel recipients list document.sealed --key rsa4096.key --cert rsa4096.cer
+show 0 tqlabel verify document.sealed --trust rsa2048.cer --key sm2.key --cert sm2.cer

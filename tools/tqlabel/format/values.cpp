@@ -115,9 +115,9 @@ Attribute attribute_of(const Item& attribute) {
   der::Element pair;
   der::Element type;
   der::Element value;
-  static_cast<void>(der::Cursor(attribute.element).next(pair));
+  if (!der::Cursor(attribute.element).next(pair)) return {};
   der::Cursor in(pair);
-  static_cast<void>(in.next(type) && in.next(value));
+  if (!in.next(type) || !in.next(value)) return {};
   return {{type.content(), type.length}, value.tag(), {value.content(), value.length}};
 }
 
