@@ -8,7 +8,7 @@ import struct
 import subprocess
 import unittest
 
-from support import FULL, SealedCase, openssl, read, tool, without_root, write
+from support import FULL, TOOL, SealedCase, openssl, read, tool, with_full_disk, without_root, write
 
 CONTENT = random.Random(1).randbytes(1 << 20)
 NO, USAGE, IO, MALFORMED, CRYPTO = 1, 2, 3, 4, 5
@@ -85,6 +85,14 @@ class Limits(SealedCase):
             self.assert_opens(b"x", who)
             self.assert_refused(NO, b"opened 2 times", who)
 
+    def test_readings_at_the_same_time_are_counted_one_by_one(self):
+        self.seal(b"x", "--privilege", "reads=5", to=("cai",), by=("cai",))
+        command = [TOOL, "open", "sealed", "--key", "../cai.key", "--cert", "../cai.cer"]
+        readers = [subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE) for _ in range(12)]
+        outputs = [reader.communicate()[0] for reader in readers]
+        self.assertEqual(5, outputs.count(b"x"))
+        self.assertEqual(7, [reader.returncode for reader in readers].count(NO))
+
     def test_the_label_grows_when_the_log_has_filled_it(self):
         self.seal(CONTENT[:99], "--privilege", "reads=100", by=("cai",), to=("cai",))
         size = os.path.getsize("sealed")
@@ -114,6 +122,8 @@ class Limits(SealedCase):
         os.close(writer)
         self.assertEqual(IO, self.open("ann", "-o", "no/such/folder").returncode)
         before = read("sealed")
+        self.assert_refused(IO, b"sealed.tqjournal: ", preexec_fn=with_full_disk, restore_signals=False)
+        self.assertFalse(os.path.exists("sealed.tqjournal"))
         os.chmod("sealed", 0)
         self.assertEqual(IO, self.open(preexec_fn=without_root).returncode)
         os.chmod("sealed", 0o600)

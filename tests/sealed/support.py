@@ -2,6 +2,7 @@
 
 import ctypes
 import os
+import resource
 import subprocess
 import tempfile
 import unittest
@@ -30,6 +31,11 @@ def without_root():
     """In the child: root minds permissions, too."""
     for capability in CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH:
         ctypes.CDLL(None).prctl(PR_CAPBSET_DROP, capability, 0, 0, 0)
+
+
+def with_full_disk():
+    """In the child, which must not restore signals: no file takes more than this."""
+    resource.setrlimit(resource.RLIMIT_FSIZE, (8192, 8192))
 
 
 def tool(*arguments, **options):

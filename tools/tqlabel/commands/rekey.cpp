@@ -1,5 +1,7 @@
 // Gives a sealed file another key.
 
+#include <ctime>
+
 #include "base/files.h"
 #include "commands/access.h"
 #include "commands/program.h"
@@ -12,19 +14,31 @@
 namespace tq::tool {
 namespace {
 
+[[noreturn]] void refuse(const SealedFile& file, Status status, const char* why) {
+  throw Failure{.status = status, .why = why, .file = file.file().path()};
+}
+
 // The size of the label with its new envelopes, which are as long as the old ones or nearly so.
 std::size_t label_size(const SealedFile& file, const FileKeys& keys) {
   const std::size_t size = file.file().label().size();
-  return seal_label(file.label(), keys, size).empty() ? roomy_size(file.label(), 0) : size;
+  if (!seal_label(file.label(), keys, size).empty()) return size;
+  const std::size_t roomy = roomy_size(file.label(), 0);
+  if (roomy > kMostLabel) refuse(file, Status::kUsage, "the label would become too large");
+  return roomy;
 }
 
 Status rekey(const Access& access) {
   const Party self = access.recipient();
   SealedFile file(access.file, EditFile::Purpose::kChange);
   file.unlock(self);
+  // A file in a folder that can be written can be replaced, whoever may write to it.
+  if (!file.file().can_change()) {
+    refuse(file, Status::kInputOutput, "file or folder cannot be written");
+  }
   const FileKeys keys = make_keys();
   rewrap(file.label(), keys.file, access.file);
   append_log(file.label(), Action::kRekey, self, 0);
+  SetHeadModifyTime(file.label(), static_cast<std::uint64_t>(std::time(nullptr)));
   const std::size_t size = label_size(file, keys);
   OutputFile out(file.file().path());
   out.seek(size);
