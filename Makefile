@@ -1,6 +1,6 @@
 # A short front for the presets. Each target first installs what packages.txt lists and is missing.
 .DEFAULT_GOAL := test
-.PHONY: asan bench bench-programs bounds clean coverage demo docs format fuzz instructions lint packages plot test \
+.PHONY: asan bench bench-programs bounds clean coverage demo docs format fuzz instructions lint packages plot sealing test \
   valgrind
 
 packages:
@@ -49,6 +49,13 @@ bounds: bench-programs
 
 instructions: bench-programs
 	bench/instructions.py build/release/bin/bench_instructions --check
+
+# MIB=n: the size of the file
+MIB ?= 1024
+sealing: packages
+	cmake --preset release
+	cmake --build --preset release --target tqlabel_tool
+	bench/sealing.py build/release/bin/tqlabel $(MIB)
 
 # from what bench has measured
 plot:
