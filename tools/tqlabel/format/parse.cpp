@@ -1,6 +1,7 @@
 #include "format/parse.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 #include "asn1/der.h"
@@ -65,10 +66,11 @@ bool parse_time(std::string_view text, std::uint64_t& seconds) {
   constexpr std::string_view kPattern = "0000-00-00T00:00:00Z";
   constexpr std::size_t kDate = 10;
   if (text.size() != kPattern.size() && text.size() != kDate) return false;
-  std::uint8_t digits[der::kTimeLength] = "00000000000000";
-  digits[der::kTimeLength - 1] = 'Z';
+  std::array<std::uint8_t, der::kTimeLength> digits = {};
+  digits.fill('0');
+  digits.back() = 'Z';
   std::size_t count = 0;
-  for (std::size_t i = 0; i < text.size() && count + 1 < der::kTimeLength; ++i) {
+  for (std::size_t i = 0; i < text.size() && count + 1 < digits.size(); ++i) {
     if (kPattern[i] == '0') {
       digits[count++] = static_cast<std::uint8_t>(text[i]);
     } else if (text[i] != kPattern[i]) {
@@ -76,7 +78,7 @@ bool parse_time(std::string_view text, std::uint64_t& seconds) {
     }
   }
   if (text.size() == kPattern.size() && text.back() != 'Z') return false;
-  return der::parse_time(digits, seconds);
+  return der::parse_time(digits.data(), seconds);
 }
 
 }  // namespace tq::tool
