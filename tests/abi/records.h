@@ -4,6 +4,7 @@
 // The records that callers share with the library. Each names its fields once, for visitors that
 // fill it, say what it holds, and take its buffers away one by one; envelopes are plain values.
 
+#include <cstring>
 #include <list>
 #include <optional>
 #include <random>
@@ -239,7 +240,9 @@ inline EnvelopeInfo view(HeadEnvelope& envelope, Issuer& issuer) {
           &issuer.record()};
 }
 inline PrivilegeInfo view(Privileges& from, std::vector<PrivilegeEntry>& entries) {
-  entries.assign(from.pairs.size(), {});  // the padding as well
+  entries.resize(from.pairs.size());
+  // The padding as well, which copies of a value need not have.
+  if (!entries.empty()) std::memset(entries.data(), 0, entries.size() * sizeof entries[0]);
   for (std::size_t i = 0; i < entries.size(); ++i) {
     std::tie(entries[i].type, entries[i].value) = from.pairs[i];
   }
