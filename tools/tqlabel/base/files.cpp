@@ -204,6 +204,12 @@ void OutputFile::commit() {
   hidden_.clear();
 }
 
+void sync_folder(const std::string& path) {
+  const std::string name = folder_of(path);
+  const Descriptor folder(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!folder.is_open() || ::fsync(folder.get()) != 0) fail_by_errno(name);
+}
+
 void write_file(const std::string& path, Bytes bytes) {
   OutputFile file(path);
   file.write(bytes);

@@ -88,6 +88,9 @@ class OutputFile {
   unsigned permissions_ = 0;
 };
 
+// Makes names in the folder of that path last that are new, changed or gone.
+void sync_folder(const std::string& path);
+
 // A whole output in one call.
 void write_file(const std::string& path, Bytes bytes);
 

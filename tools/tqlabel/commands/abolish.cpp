@@ -1,21 +1,17 @@
 // Puts a sealed file out of force.
 
-#include "commands/access.h"
+#include "commands/arguments.h"
 #include "commands/program.h"
-#include "sealed/recipients.h"
 #include "sealed/sealed_file.h"
 
 namespace tq::tool {
 namespace {
 
 Status abolish(const Access& access) {
-  const Party self = access.recipient();
-  SealedFile file(access.file, EditFile::Purpose::kChange);
-  file.unlock(self);
-  if (AbolishSF(file.label()) != 0)
+  change_sealed(access.file, access.recipient(), Action::kAbolish, {}, [&](SealedFile& file) {
+    if (AbolishSF(file.label()) == 0) return 0U;
     throw Failure{Status::kMalformed, "not to be abolished", access.file};
-  append_log(file.label(), Action::kAbolish, self, 0);
-  file.save();
+  });
   return Status::kYes;
 }
 
@@ -27,7 +23,7 @@ void add_abolish(Program& program) {
                   "tqlabel abolish report.sealed --key me.key --cert me.cer");
   auto access = std::make_shared<Access>();
   add_access(*command, *access);
-  command->callback([&program, access] { program.run = [access] { return abolish(*access); }; });
+  on_chosen(program, *command, [access] { return abolish(*access); });
 }
 
 }  // namespace tq::tool

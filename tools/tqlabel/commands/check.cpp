@@ -5,10 +5,9 @@
 #include <ctime>
 
 #include "base/files.h"
-#include "commands/access.h"
+#include "commands/arguments.h"
 #include "commands/program.h"
 #include "format/json.h"
-#include "format/parse.h"
 #include "format/values.h"
 #include "sealed/recipients.h"
 #include "sealed/sealed_file.h"
@@ -55,16 +54,6 @@ class Questions {
   std::vector<Rule> rules_;
 };
 
-std::uint64_t time_of(const Options& options) {
-  std::uint64_t seconds = 0;
-  if (options.at.empty()) return static_cast<std::uint64_t>(std::time(nullptr));
-  if (parse_time(options.at, seconds)) return seconds;
-  throw Failure{.status = Status::kUsage,
-                .why = "not a time",
-                .field = "--at",
-                .advice = "write 2027-01-31 or 2027-01-31T12:00:00Z"};
-}
-
 void ask_deadline(Questions& questions, const char* question, std::uint64_t deadline,
                   std::uint64_t at) {
   questions.ask(question, answer_of(deadline == 0 || at <= deadline), show_time(deadline));
@@ -106,14 +95,6 @@ void ask_sealed(Questions& questions, const Options& options, std::uint64_t at) 
   }
 }
 
-const OPrivilege* rights_in(const TqLabelHandle& label, const Party& party) {
-  const BDigitEnvolope* node = label.body.bodyEnvelopes;
-  for (; node != nullptr; node = node->next) {
-    if (is_envelope_of(node->envelope, party)) return &node->privilege;
-  }
-  return nullptr;
-}
-
 void ask_label(Questions& questions, const Options& options, const Party& party, Bytes der,
                std::uint64_t at) {
   const Label shape = label_in(der, options.access.file);
@@ -121,16 +102,14 @@ void ask_label(Questions& questions, const Options& options, const Party& party,
   if (!head.read(der.data(), static_cast<std::int64_t>(der.size()), PeekedHead::Body::kRequired)) {
     throw Failure{Status::kMalformed, "the head does not decode", options.access.file};
   }
-  const ENVELOPE* node = head.head().encryptHead.envelopes;
-  while (node != nullptr && !is_envelope_of(*node, party)) node = node->next;
-  questions.ask("has an envelope in the head", answer_of(node != nullptr), party.subject);
+  const ENVELOPE* first = head.head().encryptHead.envelopes;
+  questions.ask("has an envelope in the head", answer_of(find_envelope(first, party) != nullptr),
+                party.subject);
   if (shape.sealed) return ask_sealed(questions, options, at);
-  TqLabel decoded = nullptr;
-  if (DecodeLabel(der.data(), static_cast<std::uint32_t>(der.size()), &decoded) != 0) {
-    throw Failure{Status::kMalformed, "the body does not decode", options.access.file};
-  }
-  const LabelOwner label(decoded);
-  ask_body(questions, *label, rights_in(*label, party), at);
+  const LabelOwner label = decode_label(der);
+  if (!label) throw Failure{Status::kMalformed, "the body does not decode", options.access.file};
+  const BDigitEnvolope* envelope = find_envelope(label->body.bodyEnvelopes, party);
+  ask_body(questions, *label, envelope == nullptr ? nullptr : &envelope->privilege, at);
 }
 
 void print_json(const Questions& questions) {
@@ -162,7 +141,8 @@ void print_text(const Questions& questions, bool colored) {
 }
 
 Status check(const Options& options) {
-  const std::uint64_t at = time_of(options);
+  const std::uint64_t at = options.at.empty() ? static_cast<std::uint64_t>(std::time(nullptr))
+                                              : time_argument(options.at, "--at");
   const Party party = read_party(options.access.certificate);
   const LabelFile read = read_label_file(options.access.file);
   Questions questions;
@@ -186,12 +166,10 @@ void add_check(Program& program) {
   command->add_option("--key", options->access.key, "its private key, for an encrypted body");
   command->add_option("--pass", options->access.passphrase, "file with the passphrase of the key");
   command->add_option("--at", options->at, "the time in UTC; now if not given");
-  command->callback([&program, options] {
-    program.run = [&program, options] {
-      options->json = program.json;
-      options->colored = is_colored(program.color, stdout);
-      return check(*options);
-    };
+  on_chosen(program, *command, [&program, options] {
+    options->json = program.json;
+    options->colored = is_colored(program.color, stdout);
+    return check(*options);
   });
 }
 

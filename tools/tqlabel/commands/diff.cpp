@@ -1,14 +1,13 @@
 // Compares two labels.
 
 #include <fmt/color.h>
-#include <tqlabel/label.h>
 
 #include <memory>
 
 #include "base/files.h"
 #include "commands/program.h"
-#include "core/entry/label.h"
 #include "format/compare.h"
+#include "format/handle.h"
 #include "format/json.h"
 #include "format/print.h"
 
@@ -21,14 +20,11 @@ constexpr const char* kVerdicts[] = {"still holds", "broken", "replaced", "canno
 
 // What the signer of the head has signed, or nothing where the library does not write it again.
 std::vector<std::uint8_t> head_message(const Label& label) {
-  TqLabel decoded = nullptr;
-  const auto size = static_cast<std::uint32_t>(label.file.size());
-  if (label.sealed || DecodeLabel(label.file.data(), size, &decoded) != 0) return {};
-  const LabelOwner owner(decoded);
+  const LabelOwner decoded = label.sealed ? nullptr : decode_label(label.file);
   std::uint32_t length = 0;
-  if (GetSignatureMessage(decoded, nullptr, &length) != 0) return {};
+  if (!decoded || GetSignatureMessage(decoded.get(), nullptr, &length) != 0) return {};
   std::vector<std::uint8_t> message(length);
-  if (GetSignatureMessage(decoded, message.data(), &length) != 0) return {};
+  if (GetSignatureMessage(decoded.get(), message.data(), &length) != 0) return {};
   return message;
 }
 
@@ -117,9 +113,8 @@ void add_diff(Program& program) {
   auto paths = std::make_shared<std::pair<std::string, std::string>>();
   command->add_option("A", paths->first, "a label")->required();
   command->add_option("B", paths->second, "what became of it")->required();
-  command->callback([&program, paths] {
-    program.run = [&program, paths] { return diff(program, paths->first, paths->second); };
-  });
+  on_chosen(program, *command,
+            [&program, paths] { return diff(program, paths->first, paths->second); });
 }
 
 }  // namespace tq::tool

@@ -72,7 +72,7 @@ void add_edit(Program& program) {
   command->add_option("--remove", options->remove, "PATH: takes an entry out of a list")
       ->allow_extra_args(false);
   command->add_option("-o,--output", options->output, "the label to write")->required();
-  command->callback([&program, options] { program.run = [options] { return edit(*options); }; });
+  on_chosen(program, *command, [options] { return edit(*options); });
 }
 
 }  // namespace tq::tool

@@ -227,11 +227,9 @@ void add_completion(Program& program) {
   command->add_option("SHELL", *shell, "bash, zsh or fish")
       ->required()
       ->check(CLI::IsMember(kShells));
-  command->callback([&program, shell] {
-    program.run = [&program, shell] {
-      kShells.at (*shell)(program.app);
-      return Status::kYes;
-    };
+  on_chosen(program, *command, [&program, shell] {
+    kShells.at (*shell)(program.app);
+    return Status::kYes;
   });
 }
 
@@ -240,11 +238,9 @@ void add_man(Program& program) {
       add_command(program, "man", "Print a manual page", "tqlabel man inspect | man -l -");
   auto page = std::make_shared<std::string>();
   command->add_option("COMMAND", *page, "a command; otherwise the page of the program");
-  command->callback([&program, page] {
-    program.run = [&program, page] {
-      print_man_of(program.app, *page);
-      return Status::kYes;
-    };
+  on_chosen(program, *command, [&program, page] {
+    print_man_of(program.app, *page);
+    return Status::kYes;
   });
 }
 

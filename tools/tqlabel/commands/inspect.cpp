@@ -174,11 +174,9 @@ void add_inspect(Program& program) {
   key->needs(certificate);
   certificate->needs(key);
   command->add_option("--pass", options->passphrase, "file with the passphrase of the key");
-  command->callback([&program, options] {
-    program.run = [&program, options] {
-      options->json = program.json;
-      return Inspection(*options, is_colored(program.color, stdout)).run();
-    };
+  on_chosen(program, *command, [&program, options] {
+    options->json = program.json;
+    return Inspection(*options, is_colored(program.color, stdout)).run();
   });
 }
 

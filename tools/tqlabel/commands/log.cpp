@@ -2,11 +2,10 @@
 
 #include <fmt/format.h>
 
-#include "commands/access.h"
+#include "commands/arguments.h"
 #include "commands/program.h"
 #include "format/json.h"
 #include "format/values.h"
-#include "sealed/recipients.h"
 #include "sealed/sealed_file.h"
 
 namespace tq::tool {
@@ -16,10 +15,6 @@ struct Options {
   Access access;
   std::string note;
 };
-
-Bytes bytes_of(const ANYBUF& field) {
-  return field.data == nullptr ? Bytes() : Bytes(field.data, field.length);
-}
 
 // The subject of the recipient with that serial number, or the number.
 std::string name_of(const Log& log, const std::vector<Party>& recipients) {
@@ -61,11 +56,9 @@ Status list(const Options& options, bool as_json) {
 }
 
 Status append(const Options& options) {
-  const Party self = options.access.recipient();
-  SealedFile file(options.access.file, EditFile::Purpose::kChange);
-  file.unlock(self);
-  append_log(file.label(), Action::kNote, self, 0, options.note);
-  file.save();
+  const Access& access = options.access;
+  change_sealed(access.file, access.recipient(), Action::kNote, options.note,
+                [](SealedFile&) { return 0U; });
   return Status::kYes;
 }
 
@@ -80,13 +73,11 @@ void add_log_command(Program& program) {
   auto options = std::make_shared<Options>();
   CLI::App* lists = command->add_subcommand("list", "Print the log, newest first");
   add_access(*lists, options->access);
-  lists->callback([&program, options] {
-    program.run = [&program, options] { return list(*options, program.json); };
-  });
+  on_chosen(program, *lists, [&program, options] { return list(*options, program.json); });
   CLI::App* appends = command->add_subcommand("append", "Add an entry to the log");
   add_access(*appends, options->access);
   appends->add_option("--note", options->note, "what was done")->required();
-  appends->callback([&program, options] { program.run = [options] { return append(*options); }; });
+  on_chosen(program, *appends, [options] { return append(*options); });
 }
 
 }  // namespace tq::tool

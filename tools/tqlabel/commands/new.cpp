@@ -24,20 +24,6 @@ Status make(const Options& options) {
 
 }  // namespace
 
-void write_label(const std::vector<std::uint8_t>& der, const std::string& source,
-                 const std::string& output) {
-  Label label;
-  std::optional<Fault> fault = read_label(der, label);
-  if (fault) {
-    Failure failure = fault->failure(source);
-    failure.why = "does not make a label: " + failure.why;
-    failure.at.reset();
-    failure.advice = "see what stands there";
-    throw failure;
-  }
-  write_file(output, der);
-}
-
 void add_new(Program& program) {
   CLI::App* command = add_command(program, "new", "Make a label from JSON",
                                   "tqlabel inspect --json a.label | tqlabel new - -o b.label");
@@ -45,7 +31,7 @@ void add_new(Program& program) {
   command->add_option("JSON", options->json, "the label as JSON, as inspect --json prints it")
       ->required();
   command->add_option("-o,--output", options->output, "the label to write")->required();
-  command->callback([&program, options] { program.run = [options] { return make(*options); }; });
+  on_chosen(program, *command, [options] { return make(*options); });
 }
 
 }  // namespace tq::tool

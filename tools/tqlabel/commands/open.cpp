@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "base/files.h"
+#include "commands/arguments.h"
 #include "commands/program.h"
 #include "format/json.h"
 #include "format/values.h"
@@ -17,11 +18,8 @@ namespace tq::tool {
 namespace {
 
 struct Options {
-  std::string file;
-  std::string key;
-  std::string certificate;
+  Access access;
   std::string output = "-";
-  std::string passphrase;
   std::vector<std::string> signers;
   bool json = false;
 };
@@ -34,8 +32,9 @@ void require_signed_by(const std::vector<Party>& signers, const Options& options
         })) {
       continue;
     }
-    throw Failure{
-        .status = Status::kCrypto, .why = "not signed by " + wanted.subject, .file = options.file};
+    throw Failure{.status = Status::kCrypto,
+                  .why = "not signed by " + wanted.subject,
+                  .file = options.access.file};
   }
 }
 
@@ -45,7 +44,7 @@ void require_right(const OPrivilege& rights, const Options& options) {
   throw Failure{.status = Status::kNo,
                 .why = may_open ? fmt::format("opened {} times already", rights.priValue2)
                                 : "the privilege to open it is missing",
-                .file = options.file};
+                .file = options.access.file};
 }
 
 // A limit that is not counted would be none.
@@ -88,7 +87,7 @@ void print_json(const SealedFile& file, const std::vector<Party>& signers, const
   Json names = Json::array();
   for (const Party& signer : signers) names.push_back(signer.subject);
   const Json json = {{"form", "tqlabel/open/1"},
-                     {"file", options.file},
+                     {"file", options.access.file},
                      {"output", options.output},
                      {"size", file.sums().length},
                      {"sha256", hexadecimal(file.sums().sha256)},
@@ -102,9 +101,8 @@ Status open(const Options& options) {
                   .why = "standard output is for either JSON or the content",
                   .advice = "name a file with -o"};
   }
-  const Party recipient =
-      read_party(options.certificate, options.key, read_passphrase(options.passphrase));
-  SealedFile file(options.file, EditFile::Purpose::kChange);
+  const Party recipient = options.access.recipient();
+  SealedFile file(options.access.file, EditFile::Purpose::kChange);
   file.unlock(recipient);
   file.require_valid();
   require_right(envelope_for(recipient, *file.label()).privilege, options);
@@ -122,18 +120,13 @@ void add_open(Program& program) {
       add_command(program, "open", "Open a sealed file as one of its recipients",
                   "tqlabel open report.sealed --key me.key --cert me.cer -o report.odt");
   auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "the sealed file")->required();
-  command->add_option("--key", options->key, "your private key, PEM or DER")->required();
-  command->add_option("--cert", options->certificate, "your certificate, PEM or DER")->required();
-  command->add_option("--pass", options->passphrase, "file with the passphrase of the key");
+  add_access(*command, options->access);
   command->add_option("--signed-by", options->signers,
                       "certificates of those who must have signed it");
   command->add_option("-o,--output", options->output, "the file to write; default is -");
-  command->callback([&program, options] {
-    program.run = [&program, options] {
-      options->json = program.json;
-      return open(*options);
-    };
+  on_chosen(program, *command, [&program, options] {
+    options->json = program.json;
+    return open(*options);
   });
 }
 

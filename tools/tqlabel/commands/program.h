@@ -28,6 +28,11 @@ inline CLI::App* add_command(Program& program, const std::string& name, const st
   return command;
 }
 
+// What the program does if the command is the one that was chosen.
+inline void on_chosen(Program& program, CLI::App& command, std::function<Status()> run) {
+  command.callback([&program, run = std::move(run)] { program.run = run; });
+}
+
 void add_inspect(Program& program);
 void add_new(Program& program);
 void add_edit(Program& program);

@@ -8,9 +8,9 @@
 #include <memory>
 
 #include "base/files.h"
+#include "commands/arguments.h"
 #include "commands/program.h"
 #include "format/json.h"
-#include "format/parse.h"
 #include "format/values.h"
 #include "sealed/content.h"
 #include "sealed/edit.h"
@@ -68,12 +68,6 @@ Parties read_parties(const Options& options) {
   return parties;
 }
 
-std::uint64_t time_option(const std::string& text, const char* option) {
-  std::uint64_t seconds = 0;
-  if (text.empty() || parse_time(text, seconds)) return seconds;
-  refuse(option, "not a time", "write 2027-01-31 or 2027-01-31T12:00:00Z");
-}
-
 void set_text(TqLabel label, std::int32_t (*setter)(TqLabel, const std::uint8_t*, std::uint32_t),
               const std::string& text, std::size_t most, const char* field) {
   if (text.size() > most) refuse(field, fmt::format("a text of more than {} bytes", most));
@@ -105,8 +99,12 @@ LabelOwner describe(const Options& options, const Descriptor& input, const Party
   set_text(label.get(), SetLabel, options.label, kMostLabelText, "--label");
   set_text(label.get(), GLSetFileTitle, options.title, kMostText, "--title");
   set_text(label.get(), SetFileName, base_name(options.input), kMostText, "the file's name");
-  SetExpired(label.get(), time_option(options.expires, "--expires"));
-  SetDestroyTime(label.get(), time_option(options.destroy, "--destroy"));
+  if (!options.expires.empty()) {
+    SetExpired(label.get(), time_argument(options.expires, "--expires"));
+  }
+  if (!options.destroy.empty()) {
+    SetDestroyTime(label.get(), time_argument(options.destroy, "--destroy"));
+  }
   struct stat status = {};
   if (::fstat(input.get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_mtime > 0) {
     SetModifyTime(label.get(), static_cast<std::uint64_t>(status.st_mtime));
@@ -192,11 +190,9 @@ void add_protect(Program& program) {
   command->add_option("--title", options->title, "title of the file, for recipients");
   command->add_option("--privilege", options->privileges,
                       "print, copy, edit, reads=N or TYPE=VALUE, for all recipients");
-  command->callback([&program, options] {
-    program.run = [&program, options] {
-      options->json = program.json;
-      return protect(*options);
-    };
+  on_chosen(program, *command, [&program, options] {
+    options->json = program.json;
+    return protect(*options);
   });
 }
 

@@ -1,10 +1,10 @@
 // Who may open a sealed file: shows, adds and removes recipients.
 
-#include "sealed/recipients.h"
-
 #include <fmt/format.h>
 
-#include "commands/access.h"
+#include <ctime>
+
+#include "commands/arguments.h"
 #include "commands/program.h"
 #include "format/json.h"
 #include "format/values.h"
@@ -75,50 +75,45 @@ Status list(const Options& options, bool as_json) {
 
 Status add(const Options& options) {
   const Rights rights = parse_rights(options.privileges);
-  const Party self = options.access.recipient();
-  SealedFile file(options.access.file, EditFile::Purpose::kChange);
-  file.unlock(self);
-  for (const std::string& path : options.certificates) {
-    const Party recipient = read_party(path);
-    recipient.require_in_force(std::time(nullptr));
-    add_recipient(file.label(), recipient, file.keys().file, rights);
-  }
-  append_log(file.label(), Action::kAdd, self,
-             static_cast<std::uint32_t>(options.certificates.size()));
-  file.save();
+  const Access& access = options.access;
+  change_sealed(access.file, access.recipient(), Action::kAdd, {}, [&](SealedFile& file) {
+    for (const std::string& path : options.certificates) {
+      const Party recipient = read_party(path);
+      recipient.require_in_force(std::time(nullptr));
+      add_recipient(file.label(), recipient, file.keys().file, rights);
+    }
+    return static_cast<std::uint32_t>(options.certificates.size());
+  });
   return Status::kYes;
 }
 
 Status remove(const Options& options) {
-  const Party self = options.access.recipient();
-  SealedFile file(options.access.file, EditFile::Purpose::kChange);
-  file.unlock(self);
-  for (const std::string& path : options.certificates) {
-    remove_recipient(file.label(), read_party(path));
-  }
-  if (file.label()->body.bodyEnvelopes == nullptr) {
-    throw Failure{.status = Status::kUsage,
-                  .why = "nobody could open the file any more",
-                  .file = options.access.file,
-                  .advice = "leave one recipient at least"};
-  }
-  append_log(file.label(), Action::kRemove, self,
-             static_cast<std::uint32_t>(options.certificates.size()));
-  file.save();
+  const Access& access = options.access;
+  change_sealed(access.file, access.recipient(), Action::kRemove, {}, [&](SealedFile& file) {
+    for (const std::string& path : options.certificates) {
+      remove_recipient(file.label(), read_party(path));
+    }
+    if (file.label()->body.bodyEnvelopes == nullptr) {
+      throw Failure{.status = Status::kUsage,
+                    .why = "nobody could open the file any more",
+                    .file = access.file,
+                    .advice = "leave one recipient at least"};
+    }
+    return static_cast<std::uint32_t>(options.certificates.size());
+  });
   fmt::print(stderr,
              "The old key stays valid: who has kept it can still read the content.\n"
              "\"tqlabel rekey\" gives the file another one.\n");
   return Status::kYes;
 }
 
-template <class Action>
-void add_action(Program& program, CLI::App& command, const std::string& example,
-                const std::shared_ptr<Options>& options, Action action) {
-  add_access(command, options->access);
-  command.footer("\nExample:\n  " + example + "\n");
-  command.callback([&program, options, action] {
-    program.run = [&program, options, action] { return action(program, *options); };
-  });
+CLI::App* add_action(CLI::App& recipients, const std::string& name, const std::string& what,
+                     Access& access, const std::string& more = {}) {
+  CLI::App* command = recipients.add_subcommand(name, what);
+  add_access(*command, access);
+  command->footer("\nExample:\n  tqlabel recipients " + name +
+                  " report.sealed --key me.key --cert me.cer" + more + "\n");
+  return command;
 }
 
 }  // namespace
@@ -129,23 +124,20 @@ void add_recipients(Program& program) {
                   "tqlabel recipients list report.sealed --key me.key --cert me.cer");
   command->require_subcommand(1);
   auto options = std::make_shared<Options>();
-  CLI::App* lists = command->add_subcommand("list", "Print who may open a sealed file");
-  add_action(program, *lists, "tqlabel recipients list report.sealed --key me.key --cert me.cer",
-             options,
-             [](Program& global, const Options& chosen) { return list(chosen, global.json); });
-  CLI::App* adds = command->add_subcommand("add", "Let others open a sealed file");
-  add_action(program, *adds,
-             "tqlabel recipients add report.sealed --key me.key --cert me.cer --to eve.cer",
-             options, [](Program&, const Options& chosen) { return add(chosen); });
+  CLI::App* lists =
+      add_action(*command, "list", "Print who may open a sealed file", options->access);
+  on_chosen(program, *lists, [&program, options] { return list(*options, program.json); });
+  CLI::App* adds = add_action(*command, "add", "Let others open a sealed file", options->access,
+                              " --to eve.cer");
   adds->add_option("--to", options->certificates, "certificates of the recipients, PEM or DER")
       ->required();
   adds->add_option("--privilege", options->privileges,
                    "print, copy, edit, reads=N or TYPE=VALUE, for those who are added");
-  CLI::App* removes = command->add_subcommand("remove", "Take recipients out of a sealed file");
-  add_action(program, *removes,
-             "tqlabel recipients remove report.sealed --key me.key --cert me.cer --who eve.cer",
-             options, [](Program&, const Options& chosen) { return remove(chosen); });
+  on_chosen(program, *adds, [options] { return add(*options); });
+  CLI::App* removes = add_action(*command, "remove", "Take recipients out of a sealed file",
+                                 options->access, " --who eve.cer");
   removes->add_option("--who", options->certificates, "their certificates, PEM or DER")->required();
+  on_chosen(program, *removes, [options] { return remove(*options); });
 }
 
 }  // namespace tq::tool

@@ -3,28 +3,23 @@
 #include <ctime>
 
 #include "base/files.h"
-#include "commands/access.h"
+#include "commands/arguments.h"
 #include "commands/program.h"
 #include "sealed/content.h"
 #include "sealed/layout.h"
-#include "sealed/recipients.h"
 #include "sealed/sealed_file.h"
 #include "sealed/sums.h"
 
 namespace tq::tool {
 namespace {
 
-[[noreturn]] void refuse(const SealedFile& file, Status status, const char* why) {
-  throw Failure{.status = status, .why = why, .file = file.file().path()};
-}
-
 // The size of the label with its new envelopes, which are as long as the old ones or nearly so.
 std::size_t label_size(const SealedFile& file, const FileKeys& keys) {
   const std::size_t size = file.file().label().size();
   if (!seal_label(file.label(), keys, size).empty()) return size;
   const std::size_t roomy = roomy_size(file.label(), 0);
-  if (roomy > kMostLabel) refuse(file, Status::kUsage, "the label would become too large");
-  return roomy;
+  if (roomy <= kMostLabel) return roomy;
+  throw Failure{Status::kUsage, "the label would become too large", file.file().path()};
 }
 
 Status rekey(const Access& access) {
@@ -32,9 +27,7 @@ Status rekey(const Access& access) {
   SealedFile file(access.file, EditFile::Purpose::kChange);
   file.unlock(self);
   // A file in a folder that can be written can be replaced, whoever may write to it.
-  if (!file.file().can_change()) {
-    refuse(file, Status::kInputOutput, "file or folder cannot be written");
-  }
+  file.file().require_change();
   const FileKeys keys = make_keys();
   rewrap(file.label(), keys.file, access.file);
   append_log(file.label(), Action::kRekey, self, 0);
@@ -47,6 +40,7 @@ Status rekey(const Access& access) {
   store_sums(file.label(), writer.finish());
   out.write_at(seal_label(file.label(), keys, size), 0);
   out.commit();
+  sync_folder(file.file().path());
   return Status::kYes;
 }
 
@@ -58,7 +52,7 @@ void add_rekey(Program& program) {
                   "tqlabel rekey report.sealed --key me.key --cert me.cer");
   auto access = std::make_shared<Access>();
   add_access(*command, *access);
-  command->callback([&program, access] { program.run = [access] { return rekey(*access); }; });
+  on_chosen(program, *command, [access] { return rekey(*access); });
 }
 
 }  // namespace tq::tool

@@ -3,9 +3,8 @@
 #include <fmt/format.h>
 
 #include "base/files.h"
-#include "commands/access.h"
+#include "commands/arguments.h"
 #include "commands/program.h"
-#include "core/entry/label.h"
 #include "crypto/signer.h"
 #include "format/json.h"
 #include "sealed/layout.h"
@@ -37,10 +36,6 @@ struct Verdict {
   Party signer;
   std::string fault;  // of the chain
 };
-
-Bytes bytes_of(const ANYBUF& field) {
-  return field.data == nullptr ? Bytes() : Bytes(field.data, field.length);
-}
 
 std::vector<Verdict> judge(std::vector<Party> signers, TqLabel label, const Options& options) {
   std::uint64_t made = 0;
@@ -95,14 +90,11 @@ Status conclude(const std::vector<Verdict>& verdicts, bool sealed, const Options
 // The head's signer has signed all of a label whose body is in the clear.
 Status verify_plain(Bytes der, const Options& options) {
   const std::string& path = options.access.file;
-  TqLabel decoded = nullptr;
-  if (DecodeLabel(der.data(), static_cast<std::uint32_t>(der.size()), &decoded) != 0) {
-    throw Failure{Status::kMalformed, "the label does not decode", path};
-  }
-  const LabelOwner label(decoded);
+  const LabelOwner label = decode_label(der);
+  if (!label) throw Failure{Status::kMalformed, "the label does not decode", path};
   const Sign& sign = label->head.headSign;
   Party signer = party_of(bytes_of(sign.certificate), path);
-  if (!is_signed(encoded(decoded, GetSignatureMessage), bytes_of(sign.value), signer)) {
+  if (!is_signed(encoded(label.get(), GetSignatureMessage), bytes_of(sign.value), signer)) {
     throw Failure{.status = Status::kCrypto,
                   .why = "the signature of " + signer.subject + " is not for this label",
                   .file = path,
@@ -110,7 +102,7 @@ Status verify_plain(Bytes der, const Options& options) {
   }
   std::vector<Party> signers;
   signers.push_back(std::move(signer));
-  return conclude(judge(std::move(signers), decoded, options), false, options);
+  return conclude(judge(std::move(signers), label.get(), options), false, options);
 }
 
 Status verify_sealed(const Options& options) {
@@ -143,11 +135,9 @@ void add_verify(Program& program) {
   add_access(*command, options->access, Access::Needed::kForEncrypted);
   command->add_option("--trust", options->trusted, "certificates that are trusted, PEM or DER")
       ->required();
-  command->callback([&program, options] {
-    program.run = [&program, options] {
-      options->json = program.json;
-      return verify(*options);
-    };
+  on_chosen(program, *command, [&program, options] {
+    options->json = program.json;
+    return verify(*options);
   });
 }
 

@@ -3,11 +3,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <set>
 
+#include "base/path_step.h"
 #include "core/entry/label.h"
-#include "crypto/algorithms.h"
 #include "format/json.h"
 #include "format/parse.h"
 
@@ -15,11 +14,6 @@ namespace tq::tool {
 namespace {
 
 using Output = std::vector<std::uint8_t>;
-
-// Deeper than any label, and not so deep that it could matter.
-constexpr int kDeepest = 32;
-// More than any record has; to find a key takes time in proportion.
-constexpr std::size_t kMostKeys = 64;
 
 class Builder {
  public:
@@ -35,23 +29,11 @@ class Builder {
                   .advice = "tqlabel inspect --json shows the form of a label"};
   }
 
-  // What is built while it lives comes from the member of that key or number.
-  class Step {
-   public:
-    template <class Key>
-    Step(Builder& builder, const Key& key) : builder_(builder), length_(builder.pointer_.size()) {
-      builder_.pointer_ += fmt::format("/{}", key);
-    }
-    Step(const Step&) = delete;
-    Step& operator=(const Step&) = delete;
-    Step(Step&&) = delete;
-    Step& operator=(Step&&) = delete;
-    ~Step() { builder_.pointer_.resize(length_); }
-
-   private:
-    Builder& builder_;
-    std::size_t length_;
-  };
+  // What is built while the step lives comes from the member of that key or number.
+  template <class Key>
+  [[nodiscard]] PathStep at(const Key& key) {
+    return {pointer_, fmt::format("/{}", key)};
+  }
 
   // The members of an object, each of which must be asked for.
   class Members {
@@ -67,7 +49,7 @@ class Builder {
     void finish(Builder& builder) const {
       for (const auto& [key, value] : object_.items()) {
         if (asked_.contains(key)) continue;
-        const Step step(builder, key);
+        const PathStep step = builder.at(key);
         builder.fail("unknown key");
       }
     }
@@ -81,7 +63,7 @@ class Builder {
   // Puts down the member of that name.
   template <class Write>
   void member(Members& members, std::string_view name, Write write) {
-    const Step step(*this, name);
+    const PathStep step = at(name);
     const Json* json = members.find(name);
     if (json == nullptr) fail("missing key");
     write(*json);
@@ -204,7 +186,7 @@ class Builder {
   void ignored(Members& members, Output& out) {
     const Json* elements = members.find("ignored");
     if (elements == nullptr) return;
-    const Step step(*this, "ignored");
+    const PathStep step = at("ignored");
     if (!elements->is_array()) fail("not a list");
     each(*elements, [&](const Json& element) { whole(digits(element), out); });
   }
@@ -222,7 +204,7 @@ class Builder {
   void each(const Json& list, Function function) {
     std::size_t number = 0;
     for (const Json& item : list) {
-      const Step step(*this, number++);
+      const PathStep step = at(number++);
       function(item);
     }
   }
@@ -230,7 +212,7 @@ class Builder {
   // {"der": "..."}: whatever stands there, as it is.
   bool raw(const Json& json, Output& out) {
     if (!json.is_object() || json.size() != 1 || !json.contains("der")) return false;
-    const Step step(*this, "der");
+    const PathStep step = at("der");
     whole(digits(json["der"]), out);
     return true;
   }
@@ -370,9 +352,9 @@ class Builder {
 
 // How the rest is to be written is said by a text within it.
 Layout layout_of_json(Builder& builder, const Json& head) {
-  const Builder::Step step(builder, "head");
+  const PathStep step = builder.at("head");
   if (!head.is_object() || !head.contains("versionText")) builder.fail("no versionText");
-  const Builder::Step text(builder, "versionText");
+  const PathStep text = builder.at("versionText");
   const Json& version = head["versionText"];
   if (!version.is_string()) builder.fail("not a string");
   const auto& bytes = version.get_ref<const std::string&>();
@@ -392,7 +374,7 @@ std::vector<std::uint8_t> from_json(const Json& json, const std::string& file) {
   static_cast<void>(members.find("notes"));
   const Json* form = members.find("form");
   if (form != nullptr && *form != kLabelForm) {
-    const Builder::Step step(builder, "form");
+    const PathStep step = builder.at("form");
     builder.fail(fmt::format("not {}", kLabelForm));
   }
   Output inside;
@@ -411,33 +393,6 @@ std::vector<std::uint8_t> from_json(const Json& json, const std::string& file) {
   Output label;
   builder.put(der::kSequence, inside, label);
   return label;
-}
-
-Json parse_json(Bytes text, const std::string& file) {
-  std::vector<std::set<std::string>> keys;
-  const auto check = [&](int depth, Json::parse_event_t event, Json& parsed) {
-    if (depth > kDeepest) throw Failure{Status::kUsage, "nested too deeply", file};
-    if (event == Json::parse_event_t::object_start) keys.emplace_back();
-    if (event == Json::parse_event_t::object_end) keys.pop_back();
-    if (event == Json::parse_event_t::key && keys.back().size() > kMostKeys) {
-      throw Failure{Status::kUsage, "an object with too many keys", file};
-    }
-    if (event == Json::parse_event_t::key && !keys.back().insert(parsed).second) {
-      throw Failure{Status::kUsage, "the key comes twice", file, parsed.get<std::string>()};
-    }
-    return true;
-  };
-  try {
-    return Json::parse(text.begin(), text.end(), check);
-  } catch (const Json::parse_error& error) {
-    throw Failure{.status = Status::kUsage,
-                  .why = "not JSON",
-                  .file = file,
-                  .at = error.byte,
-                  .advice = "check the syntax there"};
-  } catch (const Json::out_of_range&) {
-    throw Failure{Status::kUsage, "a number that is out of range", file};
-  }
 }
 
 }  // namespace tq::tool

@@ -11,6 +11,18 @@ const Item* Item::find(std::string_view child) const {
   return found == children.end() ? nullptr : &*found;
 }
 
+std::uint32_t Item::integer() const {
+  std::uint32_t value = 0;
+  static_cast<void>(der::read_integer(element, value));
+  return value;
+}
+
+std::uint64_t Item::seconds() const {
+  std::uint64_t value = 0;
+  static_cast<void>(der::read_time(element, value));
+  return value;
+}
+
 Failure Fault::failure(const std::string& file) const {
   return {.status = Status::kMalformed,
           .why = why,

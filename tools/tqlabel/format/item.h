@@ -47,6 +47,9 @@ struct Item {
   bool exact = true;
 
   [[nodiscard]] Bytes bytes() const { return {element.start, element.size()}; }
+  // Of kInteger and kTime, whose elements have been read before.
+  [[nodiscard]] std::uint32_t integer() const;
+  [[nodiscard]] std::uint64_t seconds() const;
   [[nodiscard]] Bytes content() const { return {element.content(), element.length}; }
   // The child of that name, or null.
   [[nodiscard]] const Item* find(std::string_view child) const;

@@ -10,18 +10,6 @@
 namespace tq::tool {
 namespace {
 
-std::string show_integer(const Item& item) {
-  std::uint32_t value = 0;
-  static_cast<void>(der::read_integer(item.element, value));
-  return fmt::to_string(value);
-}
-
-std::string show_seconds(const Item& item) {
-  std::uint64_t seconds = 0;
-  static_cast<void>(der::read_time(item.element, seconds));
-  return show_time(seconds);
-}
-
 std::string show_values(const Item& item) {
   std::string text;
   for (const Item& value : item.children) {
@@ -86,11 +74,11 @@ std::string show_value(const Item& item) {
     case Kind::kValues:
       return show_values(item);
     case Kind::kInteger:
-      return show_integer(item);
+      return fmt::to_string(item.integer());
     case Kind::kBoolean:
       return item.content()[0] != 0 ? "yes" : "no";
     case Kind::kTime:
-      return show_seconds(item);
+      return show_time(item.seconds());
     case Kind::kText:
       return quoted(item.content());
     case Kind::kOctets:

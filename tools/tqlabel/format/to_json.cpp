@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "format/json.h"
 #include "format/values.h"
 
@@ -16,18 +14,7 @@ Json text_json(Bytes text) {
   return {{"hex", hexadecimal(text)}};
 }
 
-Json integer_json(const Item& item) {
-  std::uint32_t value = 0;
-  static_cast<void>(der::read_integer(item.element, value));
-  return value;
-}
-
-Json time_json(const Item& item) {
-  std::uint64_t seconds = 0;
-  static_cast<void>(der::read_time(item.element, seconds));
-  if (seconds == 0) return nullptr;
-  return show_time(seconds);
-}
+Json time_json(std::uint64_t seconds) { return seconds == 0 ? Json() : Json(show_time(seconds)); }
 
 Json object_id_json(const Item& item) {
   if (item.element.length == 0) return "";
@@ -63,10 +50,7 @@ Json record_json(const Item& record) {
 }
 
 Json padding_json(Bytes padding) {
-  if (std::ranges::all_of(padding, [](std::uint8_t octet) { return octet == 0; })) {
-    return padding.size();
-  }
-  return hexadecimal(padding);
+  return is_zero(padding) ? Json(padding.size()) : Json(hexadecimal(padding));
 }
 
 }  // namespace
@@ -83,11 +67,11 @@ Json to_json(const Item& item) {
     case Kind::kAttribute:
       return attribute_json(item);
     case Kind::kInteger:
-      return integer_json(item);
+      return item.integer();
     case Kind::kBoolean:
       return item.content()[0] != 0;
     case Kind::kTime:
-      return time_json(item);
+      return time_json(item.seconds());
     case Kind::kText:
       return text_json(item.content());
     case Kind::kOctets:

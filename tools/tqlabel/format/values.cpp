@@ -106,9 +106,12 @@ std::string show_object_id(Bytes octets) {
   return name == nullptr ? number : fmt::format("{} ({})", name, number);
 }
 
+bool is_zero(Bytes bytes) {
+  return std::ranges::all_of(bytes, [](std::uint8_t octet) { return octet == 0; });
+}
+
 std::string show_padding(Bytes padding) {
-  const bool zero = std::ranges::all_of(padding, [](std::uint8_t octet) { return octet == 0; });
-  return show_size(padding.size()) + (zero ? "" : ", not all of them zero");
+  return show_size(padding.size()) + (is_zero(padding) ? "" : ", not all of them zero");
 }
 
 Attribute attribute_of(const Item& attribute) {

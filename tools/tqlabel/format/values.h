@@ -22,6 +22,8 @@ namespace tq::tool {
 // Name and dotted number of an identifier, given its content octets; of unknown ones the number.
 [[nodiscard]] std::string show_object_id(Bytes octets);
 
+[[nodiscard]] bool is_zero(Bytes bytes);
+
 // How many octets of padding there are.
 [[nodiscard]] std::string show_padding(Bytes padding);
 

@@ -231,10 +231,8 @@ void certificate(const Place& place, Findings& out) {
 }
 
 void extension_type(const Place& place, Findings& out) {
-  std::uint32_t type = 0;
-  if (place->name != "extendType" || !der::read_integer(place->element, type)) return;
-  if (type <= 0xFFFF) return;
-  out.add(Code::kStuckExtension, place, fmt::format("type {} cannot be removed", type));
+  if (place->name != "extendType" || place->integer() <= 0xFFFF) return;
+  out.add(Code::kStuckExtension, place, fmt::format("type {} cannot be removed", place->integer()));
 }
 
 // Sizes and values that functions of the library stop at.
@@ -250,16 +248,8 @@ struct Limit {
 std::uint64_t size_of(const Item& item) { return item.content().size(); }
 std::uint64_t element_size_of(const Item& item) { return item.bytes().size(); }
 std::uint64_t entries_of(const Item& item) { return item.children.size(); }
-std::uint64_t integer_of(const Item& item) {
-  std::uint32_t value = 0;
-  static_cast<void>(der::read_integer(item.element, value));
-  return value;
-}
-std::uint64_t seconds_of(const Item& item) {
-  std::uint64_t seconds = 0;
-  static_cast<void>(der::read_time(item.element, seconds));
-  return seconds;
-}
+std::uint64_t integer_of(const Item& item) { return item.integer(); }
+std::uint64_t seconds_of(const Item& item) { return item.seconds(); }
 // What is left of whole units of 32, behind the octet that counts the unused bits.
 std::uint64_t odd_bytes_of(const Item& item) { return (item.content().size() - 1) % 32; }
 

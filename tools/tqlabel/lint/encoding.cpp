@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <tqlabel/label.h>
 
-#include "core/entry/label.h"
+#include "format/handle.h"
 #include "lint/rules.h"
 
 namespace tq::tool {
@@ -14,16 +14,13 @@ constexpr Code kKnown[] = {Code::kUnwritableName, Code::kNoCertificate, Code::kI
                            Code::kMarkingTwice,   Code::kLogsTag,       Code::kWrittenOtherwise};
 
 LabelOwner decode(const Label& label) {
-  TqLabel handle = nullptr;
   const Bytes bytes = label.bytes();
-  const auto size = static_cast<std::uint32_t>(bytes.size());
-  if (label.sealed) {
-    std::vector<std::uint8_t> body(label.body().content().size() + 1);
-    auto length = static_cast<std::uint32_t>(body.size());
-    static_cast<void>(DecodeLabelEncrypted(bytes.data(), size, body.data(), &length, &handle));
-  } else {
-    static_cast<void>(DecodeLabel(bytes.data(), size, &handle));
-  }
+  if (!label.sealed) return decode_label(bytes);
+  TqLabel handle = nullptr;
+  std::vector<std::uint8_t> body(label.body().content().size() + 1);
+  auto length = static_cast<std::uint32_t>(body.size());
+  static_cast<void>(DecodeLabelEncrypted(bytes.data(), static_cast<std::uint32_t>(bytes.size()),
+                                         body.data(), &length, &handle));
   return LabelOwner(handle);
 }
 

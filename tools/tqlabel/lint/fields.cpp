@@ -10,11 +10,7 @@
 namespace tq::tool {
 namespace {
 
-std::uint64_t seconds_at(const std::optional<Place>& time) {
-  std::uint64_t seconds = 0;
-  if (time) static_cast<void>(der::read_time((*time)->element, seconds));
-  return seconds;
-}
+std::uint64_t seconds_at(const std::optional<Place>& time) { return time ? (*time)->seconds() : 0; }
 
 struct Order {
   std::string_view earlier;
@@ -89,8 +85,7 @@ void padding(const Label& label, Findings& out) {
 void hidden_extensions(const Label& label, Findings& out) {
   std::set<std::uint32_t> types;
   for_entries(label, "body.extends", [&](const Place& entry) {
-    std::uint32_t type = 0;
-    static_cast<void>(der::read_integer(entry->find("extendType")->element, type));
+    const std::uint32_t type = entry->find("extendType")->integer();
     if (types.insert(type).second) return;
     out.add(Code::kHiddenExtension, entry,
             fmt::format("behind another one of type {}, which is found in its place", type));

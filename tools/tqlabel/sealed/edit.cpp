@@ -70,12 +70,6 @@ bool exists(const std::string& path) {
   return ::lstat(path.c_str(), &status) == 0;
 }
 
-// Makes new, changed and removed names last.
-void sync_folder(const std::string& path) {
-  const Descriptor folder(::open(folder_of(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!folder.is_open() || ::fsync(folder.get()) != 0) fail_by_errno(folder_of(path));
-}
-
 // In a folder that others can write to, a journal of theirs is not to be trusted.
 Block read_journal(const std::string& path, uid_t owner) {
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
@@ -230,13 +224,16 @@ void EditFile::rewrite(Bytes label) {
   size_ = label.size() + content_size();
 }
 
+void EditFile::require_change() const {
+  if (can_change_) return;
+  throw Failure{.status = Status::kInputOutput,
+                .why = "file or folder cannot be written",
+                .file = path_,
+                .advice = "change the permissions"};
+}
+
 void EditFile::replace_label(Block label) {
-  if (!can_change_) {
-    throw Failure{.status = Status::kInputOutput,
-                  .why = "file or folder cannot be written",
-                  .file = path_,
-                  .advice = "change the permissions"};
-  }
+  require_change();
   if (label.size() == label_.size()) {
     write_file(journal_path(), journal_of(label));
     sync_folder(path_);

@@ -27,6 +27,7 @@ class EditFile {
   [[nodiscard]] const Descriptor& descriptor() const { return file_; }
   // Not where file or folder cannot be written, whatever the purpose.
   [[nodiscard]] bool can_change() const { return can_change_; }
+  void require_change() const;
 
   [[nodiscard]] Bytes label() const { return label_; }
   // IV and ciphertext, which follow the label.

@@ -7,11 +7,9 @@
 #include <cstdint>
 #include <string_view>
 
-#include "core/entry/label.h"
+#include "format/handle.h"
 
 namespace tq::tool {
-
-using tq::LabelOwner;
 
 inline constexpr std::string_view kVersion = "1.1.2";
 inline constexpr std::string_view kCipher = "AES.256.CBC";

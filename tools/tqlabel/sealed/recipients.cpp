@@ -7,7 +7,6 @@
 
 #include "base/failure.h"
 #include "crypto/issuers.h"
-#include "crypto/recipients.h"
 #include "crypto/wrap.h"
 
 namespace tq::tool {
@@ -50,9 +49,8 @@ void parse_right(const std::string& text, Rights& rights) {
 
 template <class Node>
 Node& envelope_in(Node* first, const Party& party) {
-  for (Node* node = first; node != nullptr; node = node->next) {
-    if (is_envelope_of(envelope_of(*node), party)) return *node;
-  }
+  Node* const found = find_envelope(first, party);
+  if (found != nullptr) return *found;
   throw Failure{.status = Status::kCrypto,
                 .why = "not sealed for " + party.subject,
                 .advice = "tqlabel inspect shows for whom it is"};

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "crypto/party.h"
+#include "crypto/recipients.h"
 #include "crypto/secret.h"
 #include "sealed/format.h"
 
@@ -31,6 +32,13 @@ void add_recipient(TqLabel label, const Party& recipient, const Secret& file_key
 // Whether an envelope is this party's, and not of one who has more attributes or others, whom a
 // lookup of the library would find as well.
 [[nodiscard]] bool is_envelope_of(const ENVELOPE& envelope, const Party& party);
+
+// The party's envelope in a list of the head or of the body, or null.
+template <class Node>
+[[nodiscard]] Node* find_envelope(Node* first, const Party& party) {
+  while (first != nullptr && !is_envelope_of(envelope_of(*first), party)) first = first->next;
+  return first;
+}
 
 // The file key from the recipient's envelope in the head. Throws if there is none.
 [[nodiscard]] Secret file_key_for(const Party& recipient, const TqLabelHandle& label);

@@ -4,7 +4,6 @@
 
 #include "base/failure.h"
 #include "sealed/body.h"
-#include "sealed/recipients.h"
 #include "sealed/signatures.h"
 
 namespace tq::tool {

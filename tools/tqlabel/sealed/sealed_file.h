@@ -18,6 +18,7 @@
 #include "crypto/party.h"
 #include "sealed/edit.h"
 #include "sealed/layout.h"
+#include "sealed/recipients.h"
 #include "sealed/sums.h"
 
 namespace tq::tool {
@@ -57,6 +58,18 @@ class SealedFile {
   FileKeys keys_;
   ContentSums sums_;
 };
+
+// Opens a file as its recipient, changes its label and writes that down. The change gives the value
+// for the log.
+template <class Change>
+void change_sealed(const std::string& path, const Party& recipient, Action action,
+                   const std::string& note, Change change) {
+  SealedFile file(path, EditFile::Purpose::kChange);
+  file.unlock(recipient);
+  const std::uint32_t value = change(file);
+  append_log(file.label(), action, recipient, value, note);
+  file.save();
+}
 
 }  // namespace tq::tool
 

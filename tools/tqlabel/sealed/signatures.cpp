@@ -24,9 +24,9 @@ void need(bool done) {
 
 LabelOwner copy_of(TqLabel label) {
   const Secret bytes = encoded(label, EncodeLabel);
-  TqLabel copy = nullptr;
-  need(DecodeLabel(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &copy) == 0);
-  return LabelOwner(copy);
+  LabelOwner copy = decode_label(bytes);
+  need(copy != nullptr);
+  return copy;
 }
 
 void remove_recipients(TqLabelHandle& label) {
@@ -104,10 +104,6 @@ void add_signature(TqLabel label, const Party& signer, bool is_first) {
   attribute.cert = const_cast<std::uint8_t*>(signer.certificate.data());
   attribute.certLen = static_cast<std::uint32_t>(signer.certificate.size());
   need(SetBodySignAttr(label, is_first ? 0 : 1, &attribute) == 0);
-}
-
-Bytes bytes_of(const ANYBUF& field) {
-  return field.data == nullptr ? Bytes() : Bytes(field.data, field.length);
 }
 
 // Whoever vouches says with what kind of signature; it must be the one of his key.

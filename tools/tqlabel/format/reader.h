@@ -1,3 +1,6 @@
+#ifndef TQLABEL_TOOL_FORMAT_READER_H
+#define TQLABEL_TOOL_FORMAT_READER_H
+
 // Reads a label by its schemas: which elements there are, in which order, under which names and in
 // which versions is known from the declarations that also decode them. What a schema wraps it
 // derives from, so that a function for the kind within serves its wrappers, too; a kind that nobody
@@ -7,33 +10,33 @@
 
 #include <type_traits>
 
+#include "base/path_step.h"
 #include "core/entry/label.h"
 #include "format/item.h"
 
 namespace tq::tool {
-namespace {
-
-using What = Fault::What;
 
 template <class Codec>
-constexpr Kind kKindOf = Kind::kOctets;
+inline constexpr Kind kKindOf = Kind::kOctets;
 template <>
-constexpr Kind kKindOf<Integer32> = Kind::kInteger;
+inline constexpr Kind kKindOf<Integer32> = Kind::kInteger;
 template <>
-constexpr Kind kKindOf<Boolean> = Kind::kBoolean;
+inline constexpr Kind kKindOf<Boolean> = Kind::kBoolean;
 template <>
-constexpr Kind kKindOf<Time> = Kind::kTime;
+inline constexpr Kind kKindOf<Time> = Kind::kTime;
 template <>
-constexpr Kind kKindOf<Bits> = Kind::kBits;
+inline constexpr Kind kKindOf<Bits> = Kind::kBits;
 template <>
-constexpr Kind kKindOf<Octets<der::kPrintableString>> = Kind::kText;
+inline constexpr Kind kKindOf<Octets<der::kPrintableString>> = Kind::kText;
 template <>
-constexpr Kind kKindOf<Octets<der::kInteger>> = Kind::kNumber;
+inline constexpr Kind kKindOf<Octets<der::kInteger>> = Kind::kNumber;
 template <>
-constexpr Kind kKindOf<Octets<der::kObjectId>> = Kind::kObjectId;
+inline constexpr Kind kKindOf<Octets<der::kObjectId>> = Kind::kObjectId;
 
 class Reader {
  public:
+  using What = Fault::What;
+
   Reader(const der::Octet* start, const Scope& scope) : start_(start), at_(start), scope_(scope) {
     scope_.views = true;
   }
@@ -63,7 +66,7 @@ class Reader {
   template <auto Member, class Codec, FieldName Name>
   void field(Field<Member, Codec, Name> kind, typename MemberOf<decltype(Member)>::Record& record,
              Item& parent, der::Cursor& in) {
-    const Step step(*this, kind.kName);
+    const PathStep step = at(kind.kName);
     if constexpr (kind.kElements == 1) {
       parent.children.push_back(value<Codec>(kind.kName, record.*Member, in));
     } else {
@@ -76,7 +79,7 @@ class Reader {
   template <auto Member, RawRule Rule, bool (*Accepts)(der::Octet)>
   void field(Raw<Member, Rule, Accepts> kind, typename MemberOf<decltype(Member)>::Record& record,
              Item& parent, der::Cursor& in) {
-    const Step step(*this, kind.kName);
+    const PathStep step = at(kind.kName);
     if (Rule == RawRule::kOptional && (in.at_end() || !Accepts(in.peek()))) {
       parent.children.push_back({.name = kind.kName});
     } else {
@@ -85,18 +88,18 @@ class Reader {
   }
 
   void field(SignerCertificate kind, Sign& sign, Item& parent, der::Cursor& in) {
-    const Step step(*this, kind.kName);
+    const PathStep step = at(kind.kName);
     opaque(kind, sign, parent, in);
   }
   void field(WrappedKey kind, ENVELOPE& envelope, Item& parent, der::Cursor& in) {
-    const Step step(*this, kind.kName);
+    const PathStep step = at(kind.kName);
     opaque(kind, envelope, parent, in);
   }
 
   template <auto Member, class Inner>
   void field(Nested<Member, Inner> kind, typename MemberOf<decltype(Member)>::Record& /*record*/,
              Item& parent, der::Cursor& in) {
-    const Step step(*this, kind.kName);
+    const PathStep step = at(kind.kName);
     parent.children.push_back(element(Inner{}, kind.kName, in));
   }
 
@@ -206,26 +209,11 @@ class Reader {
     fail_at(what, std::move(why), element.start);
   }
 
-  // What is read while it lives belongs to the child of that name.
-  class Step {
-   public:
-    Step(Reader& reader, std::string_view name) : reader_(reader), length_(reader.path_.size()) {
-      if (!reader.path_.empty()) reader.path_ += '.';
-      reader.path_ += name;
-    }
-    Step(Reader& reader, std::size_t number) : reader_(reader), length_(reader.path_.size()) {
-      reader.path_ += fmt::format("[{}]", number + 1);
-    }
-    Step(const Step&) = delete;
-    Step& operator=(const Step&) = delete;
-    Step(Step&&) = delete;
-    Step& operator=(Step&&) = delete;
-    ~Step() { reader_.path_.resize(length_); }
-
-   private:
-    Reader& reader_;
-    std::size_t length_;
-  };
+  // What is read while the step lives belongs to the child of that name, or to that entry.
+  [[nodiscard]] PathStep at(std::string_view name) {
+    return {path_, path_.empty() ? std::string(name) : fmt::format(".{}", name)};
+  }
+  [[nodiscard]] PathStep at(std::size_t number) { return {path_, fmt::format("[{}]", number + 1)}; }
 
   der::Cursor enter(const der::Element& element) {
     at_ = element.content();
@@ -285,7 +273,7 @@ class Reader {
   void entries(Entry entry, Item& item, const der::Element& around) {
     der::Cursor in = enter(around);
     do {
-      const Step step(*this, item.children.size());
+      const PathStep step = at(item.children.size());
       item.children.push_back(element(entry, {}, in));
     } while (!in.at_end());
   }
@@ -307,7 +295,7 @@ class Reader {
   // Reads the one element within an EXPLICIT tag.
   template <auto Member, class Inner>
   void explicitly(Nested<Member, Inner> kind, Item& parent, der::Cursor& in) {
-    const Step step(*this, kind.kName);
+    const PathStep step = at(kind.kName);
     const der::Element tag = next(in, "a tag");
     der::Cursor inside = enter(tag);
     if (inside.at_end()) fail(What::kMissing, "nothing within " + type_name(tag.tag()));
@@ -345,7 +333,7 @@ class Reader {
       return;
     }
     if ((in.peek() & ~der::kNumberBits) != (der::kContext0 & ~der::kNumberBits)) {
-      const Step step(*this, logs.kName);
+      const PathStep step = at(logs.kName);
       const der::Element element = look(in, "[1]");
       fail(What::kWrongType, type_name(element.tag()) + " in place of [1]");
     }
@@ -362,75 +350,6 @@ class Reader {
   std::string path_;
 };
 
-// The version text stands second in every layout; it says how the rest is to be read.
-Layout read_version(Reader& reader, der::Cursor label) {
-  const Reader::Step head(reader, "head");
-  der::Cursor in = reader.enter(reader.take(der::kSequence, label));
-  {
-    const Reader::Step first(reader, "label");
-    reader.take(der::kPrintableString, in);
-  }
-  const Reader::Step second(reader, "versionText");
-  const der::Element text = reader.take(der::kPrintableString, in);
-  TqLabelHandle version{};
-  if (!read_version_text(view_of(text.content(), text.length, 0), version)) {
-    reader.fail(What::kUnknownVersion, "no format version that is known", text);
-  }
-  return layout_of(version);
-}
-
-void read_elements(Bytes file, Label& label) {
-  Reader reader(file.data(), {});
-  if (file.empty()) reader.fail(What::kMissing, "empty");
-  if (file[0] != der::kSequence) {
-    reader.fail(What::kWrongType, "not a label: it does not begin with a SEQUENCE");
-  }
-  der::Cursor outside(file.data(), file.size());
-  label.file = file;
-  label.root = {.kind = Kind::kRecord, .element = reader.next(outside, "a SEQUENCE")};
-  der::Cursor in = reader.enter(label.root.element);
-
-  label.layout = read_version(reader, in);
-  reader.set_layout(label.layout);
-  reader.enter(label.root.element);
-  const auto member = [&](std::string_view name, auto read) {
-    const Reader::Step step(reader, name);
-    label.root.children.push_back(read());
-  };
-  member("head", [&] { return reader.element(kHead, "head", in); });
-  label.sealed = in.peek() == der::kOctetString;
-  member("body", [&]() -> Item {
-    if (!label.sealed) return reader.element(kBody, "body", in);
-    return {.name = "body", .kind = Kind::kSealed, .element = reader.next(in, "a body")};
-  });
-  member("padding", [&]() -> Item {
-    if (in.peek() != der::kOctetString) return {.name = "padding"};
-    return {.name = "padding", .kind = Kind::kPadding, .element = reader.next(in, "padding")};
-  });
-  reader.ignored(label.root, in);
-}
-
-}  // namespace
-
-std::optional<Fault> read_label(Bytes file, Label& label) {
-  try {
-    read_elements(file, label);
-    return std::nullopt;
-  } catch (Fault& fault) {
-    return std::move(fault);
-  }
-}
-
-std::optional<Fault> read_body(Bytes bytes, const Layout& layout, Item& body) {
-  Reader reader(bytes.data(), {.layout = layout});
-  try {
-    const Reader::Step step(reader, "body");
-    der::Cursor in(bytes.data(), bytes.size());
-    body = reader.element(kBody, "body", in);
-    return std::nullopt;
-  } catch (Fault& fault) {
-    return std::move(fault);
-  }
-}
-
 }  // namespace tq::tool
+
+#endif
