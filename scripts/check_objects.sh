@@ -75,6 +75,17 @@ check_data() {
   expect "$1: writable objects" "" "$objects"
 }
 
+# check_commands DATABASE: what is optimised is fortified. Objects that call nothing that could be
+# checked do not show it, so the commands that made them are asked.
+check_commands() {
+  local plain
+  [ -e "$1" ] || { echo "$1: not there"; failed=1; return; }
+  plain=$(grep '"command":' "$1" | grep -E '/src/[^ ]*\.cpp' | grep -E ' -O[123s] ' |
+    grep -v -e '-D_FORTIFY_SOURCE=2' || true)
+  expect "$1: commands that optimise without _FORTIFY_SOURCE=2" "" "$plain"
+}
+
+check_commands "$libs/../compile_commands.json"
 check tqasn1 include/tqasn1/asn1.h TQ_ASN1_API "libc.so.6"
 check tqlabel include/tqlabel/label.h TQ_API "libc.so.6 libtqasn1.so.7"
 exit $failed
