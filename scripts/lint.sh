@@ -12,7 +12,7 @@ step() {
   "${@:2}" || failed+=("$1")
 }
 tidy() {
-  find src -name '*.cpp' -print0 |
+  find src tools -name '*.cpp' -print0 |
     xargs -0 -P "$(nproc)" -n 1 clang-tidy -p "$build" --quiet 2> >(grep -v 'warnings generated' >&2)
 }
 # The suppressed two come from templates that it cannot follow: calls that it takes for other ones,

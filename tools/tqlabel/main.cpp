@@ -63,7 +63,8 @@ Status run(Program& program, int count, char** arguments) {
 int main(int count, char** arguments) {
   Status status = Status::kInputOutput;
   try {
-    std::signal(SIGPIPE, SIG_IGN);  // a pipe that breaks is an output that cannot be written
+    // a pipe that breaks is an output that cannot be written
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     Program program;
     status = run(program, count, arguments);
   } catch (const Failure& failure) {

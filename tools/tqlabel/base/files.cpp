@@ -169,8 +169,9 @@ int OutputFile::descriptor() const { return is_standard_output() ? STDOUT_FILENO
 void OutputFile::write(Bytes bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(descriptor(), bytes.data(), bytes.size());
-    if (count < 0 && errno != EINTR)
+    if (count < 0 && errno != EINTR) {
       fail_by_errno(is_standard_output() ? "standard output" : path_);
+    }
     if (count > 0) bytes = bytes.subspan(static_cast<std::size_t>(count));
   }
 }

@@ -118,8 +118,7 @@ std::string quoted(Bytes text) {
 }
 
 std::string escaped_path(std::string_view path) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(path.data());
-  return escaped({bytes, path.size()}, Encoding::kUtf8, "\\");
+  return escaped(bytes_of(path), Encoding::kUtf8, "\\");
 }
 
 }  // namespace tq::tool

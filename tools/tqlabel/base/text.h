@@ -13,6 +13,11 @@ namespace tq::tool {
 
 using Bytes = std::span<const std::uint8_t>;
 
+[[nodiscard]] inline Bytes bytes_of(std::string_view text) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are octets here
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
 enum class Encoding { kUtf8, kUtf16BigEndian };
 
 // The text with escapes; a backslash goes before each of the characters of `specials`. Of a long

@@ -34,8 +34,7 @@ void change(Json& json, const Options& options) try {
   }
   for (const std::string& assignment : options.add) {
     const auto [path, text] = split_assignment(assignment);
-    const Bytes bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
-    add_at(json, path, parse_json(bytes, {}));
+    add_at(json, path, parse_json(bytes_of(text), {}));
   }
   for (const std::string& path : options.remove) remove_at(json, path);
 } catch (Failure& failure) {

@@ -218,7 +218,7 @@ Secret read_passphrase(const std::string& file) {
   if (file.empty()) return {};
   std::vector<std::uint8_t> bytes = read_small_file(file, kMostKeyFile);
   const OnExit wipe([&] { OPENSSL_cleanse(bytes.data(), bytes.size()); });
-  return Secret(bytes.begin(), std::ranges::find(bytes, '\n'));
+  return {bytes.begin(), std::ranges::find(bytes, '\n')};
 }
 
 }  // namespace tq::tool

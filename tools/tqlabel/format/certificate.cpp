@@ -26,8 +26,7 @@ std::string show(const X509_NAME* name) {
   if (!out || X509_NAME_print_ex(out.get(), name, 0, kFlags) < 0) return "not readable";
   const char* text = nullptr;
   const long length = BIO_get_mem_data(out.get(), &text);
-  return escaped({reinterpret_cast<const std::uint8_t*>(text), static_cast<std::size_t>(length)},
-                 Encoding::kUtf8, "");
+  return escaped(bytes_of({text, static_cast<std::size_t>(length)}), Encoding::kUtf8, "");
 }
 
 std::string show(const ASN1_TIME* time) {

@@ -1,6 +1,7 @@
 #include "format/compare.h"
 
 #include <algorithm>
+#include <array>
 #include <deque>
 #include <unordered_map>
 
@@ -17,10 +18,10 @@ std::string bytes_of(const Item* item) {
 // always as it was written.
 struct Identity {
   std::string_view list;
-  std::string_view record;  // within the entry
-  std::vector<std::string_view> fields;
+  std::string_view record;                 // within the entry
+  std::array<std::string_view, 2> fields;  // the second may be empty
 };
-const Identity kIdentities[] = {
+constexpr Identity kIdentities[] = {
     {"envelopes", {}, {"issuer", "serial"}}, {"bodyEnvelopes", "envelope", {"issuer", "serial"}},
     {"extends", {}, {"extendType"}},         {"extPriList", {}, {"priType"}},
     {"multiSign", {}, {"certificate"}},      {"fingerPrintList", {}, {"actionSubject"}},

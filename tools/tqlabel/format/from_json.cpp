@@ -29,6 +29,12 @@ class Builder {
                   .advice = "tqlabel inspect --json shows the form of a label"};
   }
 
+  template <class Key>
+  [[noreturn]] void fail_at(const Key& key, std::string why) {
+    pointer_ += fmt::format("/{}", key);
+    fail(std::move(why));
+  }
+
   // What is built while the step lives comes from the member of that key or number.
   template <class Key>
   [[nodiscard]] PathStep at(const Key& key) {
@@ -48,9 +54,7 @@ class Builder {
     }
     void finish(Builder& builder) const {
       for (const auto& [key, value] : object_.items()) {
-        if (asked_.contains(key)) continue;
-        const PathStep step = builder.at(key);
-        builder.fail("unknown key");
+        if (!asked_.contains(key)) builder.fail_at(key, "unknown key");
       }
     }
     [[nodiscard]] const Json& json() const { return object_; }
@@ -374,8 +378,7 @@ std::vector<std::uint8_t> from_json(const Json& json, const std::string& file) {
   static_cast<void>(members.find("notes"));
   const Json* form = members.find("form");
   if (form != nullptr && *form != kLabelForm) {
-    const PathStep step = builder.at("form");
-    builder.fail(fmt::format("not {}", kLabelForm));
+    builder.fail_at("form", fmt::format("not {}", kLabelForm));
   }
   Output inside;
   builder.member(members, "head", [&](const Json& head) {

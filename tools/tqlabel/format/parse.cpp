@@ -47,7 +47,7 @@ bool from_hexadecimal(std::string_view digits, std::vector<std::uint8_t>& bytes)
 }
 
 bool from_object_id(std::string_view text, std::vector<std::uint8_t>& octets) {
-  const auto row = std::ranges::find_if(g_ReflectOID, [&](const ReflectOID& candidate) {
+  const auto* const row = std::ranges::find_if(g_ReflectOID, [&](const ReflectOID& candidate) {
     return candidate.name != nullptr && candidate.name == text;
   });
   if (row != g_ReflectOID.end()) {

@@ -59,7 +59,7 @@ std::string dotted(Bytes octets) {
 }
 
 const char* known_name(Bytes octets) {
-  const auto row = std::ranges::find_if(g_ReflectOID, [&](const ReflectOID& candidate) {
+  const auto* const row = std::ranges::find_if(g_ReflectOID, [&](const ReflectOID& candidate) {
     return candidate.name != nullptr &&
            std::ranges::equal(Bytes(candidate.octets, candidate.length), octets);
   });
@@ -93,7 +93,7 @@ std::string show_time(std::uint64_t seconds) {
   if (seconds > der::kLastTime) return "out of range";
   std::uint8_t digits[der::kTimeLength];
   der::format_time(seconds, digits);
-  const std::string_view text(reinterpret_cast<const char*>(digits), sizeof digits);
+  const std::string text(digits, std::end(digits));
   return fmt::format("{}-{}-{}T{}:{}:{}Z", text.substr(0, 4), text.substr(4, 2), text.substr(6, 2),
                      text.substr(8, 2), text.substr(10, 2), text.substr(12, 2));
 }

@@ -53,7 +53,7 @@ bool pad_to(TqLabel label, Bytes body, std::size_t size) {
 }
 
 std::size_t padding_of(Bytes bytes, const Outline& outline) {
-  const std::size_t before = static_cast<std::size_t>(outline.body.start - bytes.data());
+  const auto before = static_cast<std::size_t>(outline.body.start - bytes.data());
   der::Cursor rest(outline.body.start + outline.body.size(),
                    bytes.size() - before - outline.body.size());
   der::Element padding;

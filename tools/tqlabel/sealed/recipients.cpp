@@ -116,8 +116,7 @@ void add_recipient(TqLabel label, const Party& recipient, const Secret& file_key
 }
 
 Secret file_key_for(const Party& recipient, const TqLabelHandle& label) {
-  const ENVELOPE& envelope =
-      envelope_in<const ENVELOPE>(label.head.encryptHead.envelopes, recipient);
+  const auto& envelope = envelope_in<const ENVELOPE>(label.head.encryptHead.envelopes, recipient);
   const ANYBUF& key = envelope.encryptedKey;
   return unwrap({key.data, key.length}, recipient);
 }
