@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Runs the fuzz targets, all or those named, each for some seconds. Corpora stay in build/fuzz/corpus.
-# usage: fuzz.sh SECONDS [der|decode|structure|calls|tool_label|tool_json]...
+# usage: fuzz.sh SECONDS [der|decode|structure|calls|tool_label|tool_json|tool_sealed]...
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:?usage: fuzz.sh SECONDS [TARGET]...}
 shift
-[ $# -gt 0 ] || set -- der decode structure calls tool_label tool_json
+[ $# -gt 0 ] || set -- der decode structure calls tool_label tool_json tool_sealed
 build=build/fuzz
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
@@ -23,6 +23,7 @@ for target in "$@"; do
   known=("$corpus")
   [ "$target" != calls ] || inputs=calls most=300
   [ "$target" != tool_json ] || inputs=json most=8192
+  [ "$target" != tool_sealed ] || inputs=sealed most=16384
   mkdir -p "$corpus" "$found"
   [ ! -d "$kept" ] || known+=("$kept")
   "$build/bin/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <map>
+
 #include "commands/arguments.h"
 #include "commands/program.h"
 #include "format/json.h"
@@ -16,13 +18,20 @@ struct Options {
   std::string note;
 };
 
+// Subjects by serial number, since a long log may be that of many.
+using Names = std::map<std::vector<std::uint8_t>, std::string>;
+
+Names names_of(const std::vector<Party>& recipients) {
+  Names names;
+  for (const Party& recipient : recipients) names.emplace(recipient.serial, recipient.subject);
+  return names;
+}
+
 // The subject of the recipient with that serial number, or the number.
-std::string name_of(const Log& log, const std::vector<Party>& recipients) {
+std::string name_of(const Log& log, const Names& names) {
   const Bytes serial = bytes_of(log.logArray1);
-  for (const Party& recipient : recipients) {
-    if (std::ranges::equal(recipient.serial, serial)) return recipient.subject;
-  }
-  return hexadecimal(serial);
+  const auto known = names.find({serial.begin(), serial.end()});
+  return known == names.end() ? hexadecimal(serial) : known->second;
 }
 
 Json log_json(const Log& log, const std::string& who) {
@@ -37,10 +46,10 @@ Json log_json(const Log& log, const std::string& who) {
 Status list(const Options& options, bool as_json) {
   SealedFile file(options.access.file, EditFile::Purpose::kRead);
   file.unlock(options.access.recipient());
-  const std::vector<Party> recipients = recipients_of(*file.label(), options.access.file);
+  const Names names = names_of(recipients_of(*file.label(), options.access.file));
   Json entries = Json::array();
   for (const Log* log = file.label()->body.logs; log != nullptr; log = log->next) {
-    const Json entry = log_json(*log, name_of(*log, recipients));
+    const Json entry = log_json(*log, name_of(*log, names));
     if (as_json) {
       entries.push_back(entry);
     } else {

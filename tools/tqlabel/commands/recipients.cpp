@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <ctime>
+#include <utility>
 
 #include "commands/arguments.h"
 #include "commands/program.h"
@@ -57,8 +58,9 @@ Status list(const Options& options, bool as_json) {
   SealedFile file(options.access.file, EditFile::Purpose::kRead);
   file.unlock(options.access.recipient());
   Json recipients = Json::array();
+  const BDigitEnvolope* envelope = file.label()->body.bodyEnvelopes;
   for (const Party& recipient : recipients_of(*file.label(), options.access.file)) {
-    const OPrivilege& rights = envelope_for(recipient, *file.label()).privilege;
+    const OPrivilege& rights = std::exchange(envelope, envelope->next)->privilege;
     if (as_json) {
       recipients.push_back(recipient_json(recipient, rights));
     } else {

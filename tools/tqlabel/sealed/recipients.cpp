@@ -159,8 +159,13 @@ std::vector<Party> recipients_of(const TqLabelHandle& label, const std::string& 
   std::vector<Party> recipients;
   const BDigitEnvolope* node = label.body.bodyEnvelopes;
   for (; node != nullptr; node = node->next) {
-    const ANYBUF& certificate = node->privilege.priSubject;
-    recipients.push_back(party_of({certificate.data, certificate.length}, file));
+    Party recipient = party_of(bytes_of(node->privilege.priSubject), file);
+    if (!is_envelope_of(node->envelope, recipient)) {
+      throw Failure{.status = Status::kMalformed,
+                    .why = "the envelope of " + recipient.subject + " is for another certificate",
+                    .file = file};
+    }
+    recipients.push_back(std::move(recipient));
   }
   return recipients;
 }

@@ -56,7 +56,8 @@ void append_log(TqLabel label, Action action, const Party& who, std::uint32_t va
 // Takes a recipient out of head and body. Throws if he is not there.
 void remove_recipient(TqLabel label, const Party& recipient);
 
-// Those who have envelopes in the body, in the order of the list.
+// Those who have envelopes in the body, in the order of the list. Throws where a certificate is not
+// the one that its envelope is for.
 [[nodiscard]] std::vector<Party> recipients_of(const TqLabelHandle& label, const std::string& file);
 
 // Gives another file key to all recipients, in place of the one they have.
