@@ -1,9 +1,11 @@
 """Who can open a sealed file, who cannot, and what it consists of."""
 
+import filecmp
 import hashlib
 import hmac
 import os
 import random
+import resource
 import struct
 import subprocess
 import unittest
@@ -24,6 +26,24 @@ class Recipients(SealedCase):
             os.unlink("out")
         for who in "dai", "eve":
             self.assert_refused(CRYPTO, b"not sealed for", who, "-o", "out")
+
+    @unittest.skipUnless(FULL, "writes 3 GiB")
+    def test_a_file_larger_than_the_memory(self):
+        size, memory = 1 << 30, 256 << 20
+        with open("plain", "wb") as file:
+            file.truncate(size)
+            file.seek(size // 3)
+            file.write(CONTENT)
+        small = {"preexec_fn": lambda: resource.setrlimit(resource.RLIMIT_AS, (memory, memory))}
+        done = tool("protect", "plain", "-o", "sealed", "--sign", "../bob.key,../bob.cer",
+                    "--to", *(f"../{who}.cer" for who in ("ann", "bob", "cai")), **small)
+        self.assertEqual((0, b""), (done.returncode, done.stderr))
+        for who in "ann", "bob", "cai":
+            done = self.open(who, "-o", "out", **small)
+            self.assertEqual((0, b""), (done.returncode, done.stderr))
+            self.assertTrue(filecmp.cmp("plain", "out", shallow=False))
+            os.unlink("out")
+        self.assert_refused(CRYPTO, b"not sealed for", "eve", "-o", "out", **small)
 
     def test_sizes_at_the_borders_of_blocks_and_steps(self):
         for size in 0, 1, 15, 16, 17, (1 << 19) - 1, 1 << 19, (1 << 19) + 16:
@@ -77,6 +97,25 @@ class Limits(SealedCase):
             self.assert_refused(NO, why, "ann", "-o", "out")
             self.seal(b"x", option, "2999-12-31T23:59:59Z")
             self.assert_opens(b"x")
+
+    def test_certificates_that_are_out_of_force(self):
+        openssl("req", "-new", "-key", "../ann.key", "-subj", "/CN=old", "-out", "request")
+        for days in "9", "-1":
+            openssl("x509", "-req", "-in", "request", "-key", "../ann.key", "-set_serial", "7", "-days", days,
+                    "-out", days + ".cer")
+        self.seal(b"x")
+        for arguments in (["--to", "../ann.cer", "--sign", "../ann.key,-1.cer"],
+                          ["--to", "-1.cer", "--sign", "../ann.key,../ann.cer"]):
+            done = tool("protect", "plain", "-o", "out", *arguments)
+            self.assertEqual((CRYPTO, False), (done.returncode, os.path.exists("out")))
+            self.assertIn(b"had expired", done.stderr)
+        access = ["sealed", "--key", "../ann.key", "--cert"]
+        self.assertEqual(CRYPTO, tool("recipients", "add", *access, "../ann.cer", "--to", "-1.cer").returncode)
+        self.assertEqual(0, tool("recipients", "add", *access, "../ann.cer", "--to", "9.cer").returncode)
+        self.assertEqual(b"x", tool("open", *access, "9.cer").stdout)
+        done = tool("open", *access, "-1.cer")
+        self.assertEqual((CRYPTO, b""), (done.returncode, done.stdout))
+        self.assertIn(b"had expired", done.stderr)
 
     def test_reads_are_counted_for_each_recipient(self):
         self.seal(b"x", "--privilege", "reads=2", "print", "7=1", to=("ann", "cai"))

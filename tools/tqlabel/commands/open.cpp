@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <ctime>
 #include <limits>
 #include <memory>
 
@@ -104,6 +105,7 @@ Status open(const Options& options) {
   const Party recipient = options.access.recipient();
   SealedFile file(options.access.file, EditFile::Purpose::kChange);
   file.unlock(recipient);
+  recipient.require_in_force(std::time(nullptr));
   file.require_valid();
   require_right(envelope_for(recipient, *file.label()).privilege, options);
   const std::vector<Party> signers = file.signers();
