@@ -1,7 +1,7 @@
 # A short front for the presets. Each target first installs what packages.txt lists and is missing.
 .DEFAULT_GOAL := test
-.PHONY: asan bench bench-programs bounds clean coverage demo docs format fuzz instructions lint packages plot sealing test \
-  valgrind
+.PHONY: asan bench bench-programs bounds clean coverage demo docs format fuzz instructions lint package \
+  package-test packages plot sealing test valgrind
 
 packages:
 	@scripts/install-packages.sh
@@ -71,6 +71,13 @@ format: packages
 lint: packages
 	cmake --preset dev
 	scripts/lint.sh build/dev
+
+# Debian packages, in build/package
+package: packages
+	packaging/build.sh build/package
+
+package-test: package
+	packaging/test.sh build/package
 
 clean:
 	rm -rf build
