@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <optional>
 
 #include "base/files.h"
+#include "commands/each_file.h"
 #include "commands/program.h"
 #include "format/certificate.h"
 #include "format/json.h"
@@ -91,29 +91,18 @@ class Inspection {
   Inspection(const Options& options, bool colored) : options_(options), tree_(stdout, colored) {}
 
   Status run() {
-    if (options_.paths.size() == 1) return file(options_.paths.front());
-    Status worst = Status::kYes;
-    for (const std::string& path : options_.paths) {
-      if (options_.json) {
-        worst = std::max(worst, file(path));
-      } else {
-        const Tree::Branch inside = tree_.branch(escaped_path(path));
-        worst = std::max(worst, file(path));
-      }
-    }
-    return worst;
+    return for_each_file(options_.paths, [&](const std::string& path) {
+      if (options_.json || options_.paths.size() == 1) return file(path);
+      const Tree::Branch inside = tree_.branch(escaped_path(path));
+      return file(path);
+    });
   }
 
  private:
   Status file(const std::string& path) {
-    try {
-      const Inspected inspected = options_.key.empty() ? read(path) : open(path);
-      options_.json ? as_json(inspected) : as_text(inspected);
-      return Status::kYes;
-    } catch (const Failure& failure) {
-      report(failure);
-      return failure.status;
-    }
+    const Inspected inspected = options_.key.empty() ? read(path) : open(path);
+    options_.json ? as_json(inspected) : as_text(inspected);
+    return Status::kYes;
   }
 
   static Inspected read(const std::string& path) {

@@ -4,6 +4,7 @@
 
 #include "base/color.h"
 #include "base/files.h"
+#include "commands/each_file.h"
 #include "commands/program.h"
 #include "format/json.h"
 #include "lint/rules.h"
@@ -38,8 +39,8 @@ class Linting {
   explicit Linting(const Options& options) : options_(options) {}
 
   Status run() {
-    Status worst = Status::kYes;
-    for (const std::string& path : options_.paths) worst = std::max(worst, file(path));
+    const Status worst =
+        for_each_file(options_.paths, [&](const std::string& path) { return file(path); });
     if (!options_.json) return worst;
     const Json json = {
         {"form", kForm}, {"findings", std::move(findings_)}, {"more", std::move(more_)}};
@@ -49,21 +50,16 @@ class Linting {
 
  private:
   Status file(const std::string& path) {
-    try {
-      const LabelFile read = read_label_file(path);
-      const Findings findings = lint(read.bytes);
-      const std::string name = escaped_path(path);
-      for (const Finding& finding : findings.list()) {
-        options_.json ? add(name, finding) : print(name, finding);
-      }
-      for (const auto& [code, count] : findings.counts()) {
-        if (count > Findings::kMost) rest(name, code, count - Findings::kMost);
-      }
-      return status_of(findings);
-    } catch (const Failure& failure) {
-      report(failure);
-      return failure.status;
+    const LabelFile read = read_label_file(path);
+    const Findings findings = lint(read.bytes);
+    const std::string name = escaped_path(path);
+    for (const Finding& finding : findings.list()) {
+      options_.json ? add(name, finding) : print(name, finding);
     }
+    for (const auto& [code, count] : findings.counts()) {
+      if (count > Findings::kMost) rest(name, code, count - Findings::kMost);
+    }
+    return status_of(findings);
   }
 
   void print(const std::string& name, const Finding& finding) const {
