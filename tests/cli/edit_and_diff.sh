@@ -18,3 +18,11 @@ cp "$TQLABEL_DATA/cli/60.der" signed
 "$TQLABEL" diff padded changed || echo "status $?"
 "$TQLABEL" edit changed --set head.headSign.value=00 -o signed_again
 "$TQLABEL" diff changed signed_again || echo "status $?"
+# A body signature covers those before it.
+cp "$TQLABEL_DATA/cli/112.der" first
+"$TQLABEL" edit first --set 'body.multiSign[1].value=00' -o second
+"$TQLABEL" diff first second | grep signature
+"$TQLABEL" edit first --set 'body.multiSign[2].value=00' -o second
+"$TQLABEL" diff first second | grep signature
+"$TQLABEL" edit first --remove 'body.multiSign[1]' -o second
+"$TQLABEL" diff --json first second | tail -5

@@ -3,6 +3,7 @@
 #include <fmt/color.h>
 
 #include <memory>
+#include <set>
 
 #include "base/files.h"
 #include "commands/program.h"
@@ -16,7 +17,10 @@ namespace {
 
 enum class Verdict { kHolds, kBroken, kReplaced, kUnknown };
 
-constexpr const char* kVerdicts[] = {"still holds", "broken", "replaced", "cannot be told"};
+const char* name_of(Verdict verdict) {
+  constexpr const char* kNames[] = {"still holds", "broken", "replaced", "cannot be told"};
+  return kNames[static_cast<int>(verdict)];
+}
 
 // What the signer of the head has signed, or nothing where the library does not write it again.
 std::vector<std::uint8_t> head_message(const Label& label) {
@@ -28,16 +32,40 @@ std::vector<std::uint8_t> head_message(const Label& label) {
   return message;
 }
 
+std::string_view characters(const Item& item) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): octets compare as characters
+  return {reinterpret_cast<const char*>(item.element.start), item.element.size()};
+}
+
 const Item& head_signature(const Label& label) { return *label.head().find("headSign"); }
 
 Verdict head_verdict(const Label& before, const Label& after) {
-  if (!std::ranges::equal(head_signature(before).bytes(), head_signature(after).bytes())) {
+  if (characters(head_signature(before)) != characters(head_signature(after))) {
     return Verdict::kReplaced;
   }
   const std::vector<std::uint8_t> signed_before = head_message(before);
   const std::vector<std::uint8_t> signed_after = head_message(after);
   if (signed_before.empty() || signed_after.empty()) return Verdict::kUnknown;
   return signed_before == signed_after ? Verdict::kHolds : Verdict::kBroken;
+}
+
+// Each signer of a body signs the signatures before his own, so one that was changed breaks those
+// behind it.
+std::vector<Verdict> body_verdicts(const Label& before, const Label& after) {
+  const Item* was = before.body().find("multiSign");
+  const Item* now = after.body().find("multiSign");
+  if (was == nullptr || now == nullptr) return {};
+  std::set<std::string_view> known;
+  for (const Item& signature : was->children) known.insert(characters(signature));
+  std::vector<Verdict> verdicts;
+  bool same = true;
+  for (std::size_t i = 0; i < now->children.size(); ++i) {
+    const std::string_view signature = characters(now->children[i]);
+    same = same && i < was->children.size() && signature == characters(was->children[i]);
+    const Verdict otherwise = known.contains(signature) ? Verdict::kBroken : Verdict::kReplaced;
+    verdicts.push_back(same ? Verdict::kHolds : otherwise);
+  }
+  return verdicts;
 }
 
 const char* describe(const Change& change) {
@@ -80,13 +108,27 @@ Json change_json(const Change& change) {
           {"after", value(change.after)}};
 }
 
-void print_json(const std::vector<Change>& changes, Verdict head) {
+void print_json(const std::vector<Change>& changes, Verdict head,
+                const std::vector<Verdict>& bodies) {
   Json list = Json::array();
   for (const Change& change : changes) list.push_back(change_json(change));
+  Json body_signatures = Json::array();
+  for (const Verdict body : bodies) body_signatures.push_back(name_of(body));
   const Json json = {{"form", "tqlabel/diff/1"},
                      {"changes", std::move(list)},
-                     {"headSignature", kVerdicts[static_cast<int>(head)]}};
+                     {"headSignature", name_of(head)},
+                     {"bodySignatures", std::move(body_signatures)}};
   fmt::print("{}\n", json.dump(2));
+}
+
+void print_text(const std::vector<Change>& changes, Verdict head,
+                const std::vector<Verdict>& bodies, bool colored) {
+  for (const Change& change : changes) print_change(change, colored);
+  if (changes.empty()) return;
+  fmt::print("head signature: {}\n", name_of(head));
+  for (std::size_t i = 0; i < bodies.size(); ++i) {
+    fmt::print("body signature {}: {}\n", i + 1, name_of(bodies[i]));
+  }
 }
 
 Status diff(const Program& program, const std::string& left, const std::string& right) {
@@ -96,11 +138,11 @@ Status diff(const Program& program, const std::string& left, const std::string& 
   const Label after = label_in(read_right.bytes, right);
   const std::vector<Change> changes = compare(before.root, after.root);
   const Verdict head = head_verdict(before, after);
+  const std::vector<Verdict> bodies = body_verdicts(before, after);
   if (program.json) {
-    print_json(changes, head);
+    print_json(changes, head, bodies);
   } else {
-    for (const Change& change : changes) print_change(change, is_colored(program.color, stdout));
-    if (!changes.empty()) fmt::print("head signature: {}\n", kVerdicts[static_cast<int>(head)]);
+    print_text(changes, head, bodies, is_colored(program.color, stdout));
   }
   return changes.empty() ? Status::kYes : Status::kNo;
 }
