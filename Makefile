@@ -1,6 +1,6 @@
 # A short front for the presets. Each target first installs what packages.txt lists and is missing.
 .DEFAULT_GOAL := test
-.PHONY: asan bench bench-programs bounds clean coverage demo docs format fuzz instructions lint package \
+.PHONY: abi asan bench bench-programs bounds clean coverage demo docs format fuzz instructions lint package \
   package-test packages plot sealing test valgrind
 
 packages:
@@ -78,6 +78,10 @@ package: packages
 
 package-test: package
 	packaging/test.sh build/package
+
+# the binary interface against the baseline in abi/
+abi: packages
+	scripts/abi.sh
 
 clean:
 	rm -rf build
