@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from support import TOOL, SealedCase, read, without_root, write
+from support import TOOL, SealedCase, read, tool, without_root, write
 
 KILLER = os.environ["KILLER"]
 CONTENT = b"content " * 40000
@@ -77,6 +77,17 @@ class Interruption(SealedCase):
             write(JOURNAL, journal)
             self.assert_opens(CONTENT, "cai")
             self.assertFalse(os.path.exists(JOURNAL))
+
+    def test_who_only_looks_sees_the_change_completed(self):
+        self.seal(CONTENT, to=("cai",), by=("cai",))
+        before, after, journal = self.journal_of_open()
+        for name in "sealed", "link":
+            write("sealed", after[:3000] + before[3000:])
+            write(JOURNAL, journal)
+            if name == "link":
+                os.symlink("sealed", name)
+            self.assertEqual(0, tool("inspect", name).returncode)
+            self.assertEqual((after, False), (read("sealed"), os.path.exists(JOURNAL)))
 
     def test_a_journal_that_was_half_written_is_removed(self):
         self.seal(CONTENT, to=("cai",), by=("cai",))

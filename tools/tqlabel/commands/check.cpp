@@ -144,7 +144,7 @@ Status check(const Options& options) {
   const std::uint64_t at = options.at.empty() ? static_cast<std::uint64_t>(std::time(nullptr))
                                               : time_argument(options.at, "--at");
   const Party party = read_party(options.access.certificate);
-  const LabelFile read = read_label_file(options.access.file);
+  const LabelFile read = read_settled_label(options.access.file);
   Questions questions;
   questions.ask("certificate in force", answer_of(party.is_in_force(static_cast<std::time_t>(at))),
                 show_time(at));

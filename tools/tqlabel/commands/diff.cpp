@@ -11,6 +11,7 @@
 #include "format/handle.h"
 #include "format/json.h"
 #include "format/print.h"
+#include "sealed/edit.h"
 
 namespace tq::tool {
 namespace {
@@ -132,8 +133,8 @@ void print_text(const std::vector<Change>& changes, Verdict head,
 }
 
 Status diff(const Program& program, const std::string& left, const std::string& right) {
-  const LabelFile read_left = read_label_file(left);
-  const LabelFile read_right = read_label_file(right);
+  const LabelFile read_left = read_settled_label(left);
+  const LabelFile read_right = read_settled_label(right);
   const Label before = label_in(read_left.bytes, left);
   const Label after = label_in(read_right.bytes, right);
   const std::vector<Change> changes = compare(before.root, after.root);

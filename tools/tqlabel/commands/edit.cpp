@@ -1,5 +1,7 @@
 // Changes fields of a label.
 
+#include "sealed/edit.h"
+
 #include <fmt/format.h>
 
 #include "base/files.h"
@@ -43,7 +45,7 @@ void change(Json& json, const Options& options) try {
 }
 
 Status edit(const Options& options) {
-  const LabelFile read = read_label_file(options.label);
+  const LabelFile read = read_settled_label(options.label);
   if (read.behind.value_or(0) != 0) {
     throw Failure{.status = Status::kUsage,
                   .why = fmt::format("{} bytes follow the label", *read.behind),

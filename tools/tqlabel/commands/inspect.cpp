@@ -106,7 +106,7 @@ class Inspection {
   }
 
   static Inspected read(const std::string& path) {
-    LabelFile read = read_label_file(path);
+    LabelFile read = read_settled_label(path);
     Inspected inspected = {.bytes = std::move(read.bytes), .behind = read.behind, .label = {}};
     inspected.label = label_in(inspected.bytes, path);
     return inspected;

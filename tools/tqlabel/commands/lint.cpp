@@ -8,6 +8,7 @@
 #include "commands/program.h"
 #include "format/json.h"
 #include "lint/rules.h"
+#include "sealed/edit.h"
 
 namespace tq::tool {
 namespace {
@@ -50,7 +51,7 @@ class Linting {
 
  private:
   Status file(const std::string& path) {
-    const LabelFile read = read_label_file(path);
+    const LabelFile read = read_settled_label(path);
     const Findings findings = lint(read.bytes);
     const std::string name = escaped_path(path);
     for (const Finding& finding : findings.list()) {

@@ -114,7 +114,7 @@ Status verify_sealed(const Options& options) {
 }
 
 Status verify(const Options& options) {
-  const LabelFile read = read_label_file(options.access.file);
+  const LabelFile read = read_settled_label(options.access.file);
   if (!label_in(read.bytes, options.access.file).sealed) return verify_plain(read.bytes, options);
   if (options.access.key.empty() || options.access.certificate.empty()) {
     throw Failure{.status = Status::kUsage,

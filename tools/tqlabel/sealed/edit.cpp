@@ -245,6 +245,14 @@ void EditFile::replace_label(Block label) {
   label_ = std::move(label);
 }
 
+LabelFile read_settled_label(const std::string& path) {
+  const Owned<char, std::free> real(::realpath(path.c_str(), nullptr));
+  if (!real || !exists(journal_of_file(real.get()))) return read_label_file(path);
+  const EditFile file(path, EditFile::Purpose::kRead);
+  const Bytes label = file.label();
+  return {.bytes = {label.begin(), label.end()}, .behind = file.content_size()};
+}
+
 void require_no_journal(const std::string& path) {
   if (!exists(journal_of_file(path))) return;
   throw Failure{.status = Status::kInputOutput,
