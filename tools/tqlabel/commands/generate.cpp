@@ -30,7 +30,7 @@ bool takes_value(const CLI::Option& option) { return option.get_items_expected_m
 // What stands for the value in help.
 std::string value_name(const CLI::Option& option) {
   if (!takes_value(option)) return {};
-  const std::string text = option.get_option_text();
+  const std::string& text = option.get_option_text();
   return text.empty() ? "VALUE" : text;
 }
 
@@ -87,7 +87,7 @@ void print_bash(const CLI::App& app) {
 }
 
 // Within single quotes of a shell.
-std::string quote(std::string text, std::string_view also = {}) {
+std::string quote(std::string_view text, std::string_view also = {}) {
   std::string quoted;
   for (const char character : text) {
     if (character == '\'') {
@@ -186,8 +186,9 @@ void print_man_footer(const CLI::App& app) {
 
 void print_man(const CLI::App& app, const std::string& name, const std::string& usage) {
   std::string upper = name;
-  for (char& letter : upper)
+  for (char& letter : upper) {
     letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+  }
   fmt::print(".TH {} 1 \"\" \"tqlabel\" \"tqlabel\"\n.SH NAME\n{} \\- {}\n", troff(upper),
              troff(name), troff(app.get_description()));
   fmt::print(".SH SYNOPSIS\n.B {}\n", troff(usage));
