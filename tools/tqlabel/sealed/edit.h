@@ -56,8 +56,8 @@ class EditFile {
   std::vector<std::uint8_t> label_;
 };
 
-// The label at the front of a file, as read_label_file() gives it, but with what an interrupted change
-// has left completed or undone.
+// The label at the front of a file, as read_label_file() gives it, but with what an interrupted
+// change has left completed or undone.
 [[nodiscard]] LabelFile read_settled_label(const std::string& path);
 
 // Throws where a journal waits that a new file of that name must not be taken for.
