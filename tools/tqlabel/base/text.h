@@ -18,6 +18,11 @@ using Bytes = std::span<const std::uint8_t>;
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
+[[nodiscard]] inline std::string_view characters_of(Bytes bytes) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): and octets compare as characters
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 enum class Encoding { kUtf8, kUtf16BigEndian };
 
 // The text with escapes; a backslash goes before each of the characters of `specials`. Of a long

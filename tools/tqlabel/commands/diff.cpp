@@ -33,15 +33,10 @@ std::vector<std::uint8_t> head_message(const Label& label) {
   return message;
 }
 
-std::string_view characters(const Item& item) {
-  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): octets compare as characters
-  return {reinterpret_cast<const char*>(item.element.start), item.element.size()};
-}
-
 const Item& head_signature(const Label& label) { return *label.head().find("headSign"); }
 
 Verdict head_verdict(const Label& before, const Label& after) {
-  if (characters(head_signature(before)) != characters(head_signature(after))) {
+  if (!std::ranges::equal(head_signature(before).bytes(), head_signature(after).bytes())) {
     return Verdict::kReplaced;
   }
   const std::vector<std::uint8_t> signed_before = head_message(before);
@@ -57,12 +52,12 @@ std::vector<Verdict> body_verdicts(const Label& before, const Label& after) {
   const Item* now = after.body().find("multiSign");
   if (was == nullptr || now == nullptr) return {};
   std::set<std::string_view> known;
-  for (const Item& signature : was->children) known.insert(characters(signature));
+  for (const Item& signature : was->children) known.insert(characters_of(signature.bytes()));
   std::vector<Verdict> verdicts;
   bool same = true;
   for (std::size_t i = 0; i < now->children.size(); ++i) {
-    const std::string_view signature = characters(now->children[i]);
-    same = same && i < was->children.size() && signature == characters(was->children[i]);
+    const std::string_view signature = characters_of(now->children[i].bytes());
+    same = same && i < was->children.size() && signature == characters_of(was->children[i].bytes());
     const Verdict otherwise = known.contains(signature) ? Verdict::kBroken : Verdict::kReplaced;
     verdicts.push_back(same ? Verdict::kHolds : otherwise);
   }

@@ -60,13 +60,14 @@ Status list(const Options& options, bool as_json) {
   Json recipients = Json::array();
   const BDigitEnvolope* envelope = file.label()->body.bodyEnvelopes;
   for (const Party& recipient : recipients_of(*file.label(), options.access.file)) {
-    const OPrivilege& rights = std::exchange(envelope, envelope->next)->privilege;
+    const OPrivilege& rights = envelope->privilege;
     if (as_json) {
       recipients.push_back(recipient_json(recipient, rights));
     } else {
       fmt::print("{}\n  serial: {}\n  may: {}\n  has read: {}\n", recipient.subject,
                  hexadecimal(recipient.serial), show_rights(rights), show_reads(rights));
     }
+    envelope = envelope->next;
   }
   if (as_json) {
     const Json json = {{"form", "tqlabel/recipients/1"}, {"recipients", std::move(recipients)}};

@@ -8,10 +8,9 @@
 namespace tq::tool {
 namespace {
 
-std::string bytes_of(const Item* item) {
+std::string_view bytes_of(const Item* item) {
   if (item == nullptr || item->element.start == nullptr) return {};
-  const Bytes bytes = item->bytes();
-  return {bytes.begin(), bytes.end()};
+  return characters_of(item->bytes());
 }
 
 // The fields by which an entry is recognised when others have changed; none for an entry that is
@@ -29,7 +28,7 @@ constexpr Identity kIdentities[] = {
 
 std::string identity_of(std::string_view list, const Item& entry) {
   const auto* row = std::ranges::find(kIdentities, list, &Identity::list);
-  if (row == std::end(kIdentities)) return bytes_of(&entry);
+  if (row == std::end(kIdentities)) return std::string(bytes_of(&entry));
   const Item* record = row->record.empty() ? &entry : entry.find(row->record);
   std::string identity;
   for (const std::string_view field : row->fields) {
