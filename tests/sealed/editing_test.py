@@ -115,7 +115,7 @@ class Editing(SealedCase):
         self.assertEqual([1, 0], [each["reads"] for each in self.recipients()])
         for who in "ann", "cai", "cai":
             self.assert_opens(CONTENT, who, "--signed-by", "../ann.cer", "../dai.cer")
-        self.assert_refused(NO, b"opened 3 times", "cai")
+        self.assert_refused(NO, b"no readings left (3 of 3)", "cai")
         write("sealed", read("sealed")[:-1] + bytes([read("sealed")[-1] ^ 1]))
         self.assert_edit_refused(CRYPTO, b"not what was sealed", self.edit, "rekey")
 

@@ -122,7 +122,7 @@ class Limits(SealedCase):
         for who in "ann", "cai":
             self.assert_opens(b"x", who)
             self.assert_opens(b"x", who)
-            self.assert_refused(NO, b"opened 2 times", who)
+            self.assert_refused(NO, b"no readings left (2 of 2)", who)
 
     def test_readings_at_the_same_time_are_counted_one_by_one(self):
         self.seal(b"x", "--privilege", "reads=5", to=("cai",), by=("cai",))
@@ -138,7 +138,7 @@ class Limits(SealedCase):
         for _ in range(100):
             self.assert_opens(CONTENT[:99], "cai")
         self.assertGreater(os.path.getsize("sealed"), size)
-        self.assert_refused(NO, b"opened 100 times", "cai")
+        self.assert_refused(NO, b"no readings left (100 of 100)", "cai")
 
     def test_a_file_that_cannot_be_written(self):
         for limit, opens in ("reads=0", True), ("reads=9", False):

@@ -71,7 +71,7 @@ int main(int count, char** arguments) {
     report(failure);
     status = failure.status;
   } catch (const std::exception& error) {
-    fmt::print(stderr, "tqlabel: {}\n", error.what());
+    if (std::ferror(stdout) == 0) fmt::print(stderr, "tqlabel: {}\n", error.what());
   }
   // A full disk shows only now.
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {

@@ -43,7 +43,8 @@ void require_right(const OPrivilege& rights, const Options& options) {
   const bool may_open = rights.priFlag1 != 0;
   if (may_open && (rights.priValue1 == 0 || rights.priValue2 < rights.priValue1)) return;
   throw Failure{.status = Status::kNo,
-                .why = may_open ? fmt::format("opened {} times already", rights.priValue2)
+                .why = may_open ? fmt::format("no readings left ({} of {})", rights.priValue2,
+                                              rights.priValue1)
                                 : "the privilege to open it is missing",
                 .file = options.access.file};
 }

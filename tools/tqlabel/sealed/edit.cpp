@@ -58,11 +58,20 @@ void require_regular(const std::string& path) {
   throw Failure{.status = Status::kInputOutput, .why = "not a regular file", .file = path};
 }
 
+// The file that a link leads to, or the path as the user has written it; empty where there is none.
+std::string behind_links(const std::string& path) {
+  struct stat status = {};
+  if (::lstat(path.c_str(), &status) != 0) return {};
+  if (!S_ISLNK(status.st_mode)) return path;
+  const Owned<char, std::free> real(::realpath(path.c_str(), nullptr));
+  return real ? real.get() : std::string();
+}
+
 std::string real_path(const std::string& path) {
   require_regular(path);
-  const Owned<char, std::free> real(::realpath(path.c_str(), nullptr));
-  if (!real) fail_by_errno(path);
-  return real.get();
+  std::string real = behind_links(path);
+  if (real.empty()) fail_by_errno(path);
+  return real;
 }
 
 bool exists(const std::string& path) {
@@ -246,8 +255,8 @@ void EditFile::replace_label(Block label) {
 }
 
 LabelFile read_settled_label(const std::string& path) {
-  const Owned<char, std::free> real(::realpath(path.c_str(), nullptr));
-  if (!real || !exists(journal_of_file(real.get()))) return read_label_file(path);
+  const std::string real = behind_links(path);
+  if (real.empty() || !exists(journal_of_file(real))) return read_label_file(path);
   const EditFile file(path, EditFile::Purpose::kRead);
   const Bytes label = file.label();
   return {.bytes = {label.begin(), label.end()}, .behind = file.content_size()};

@@ -49,7 +49,7 @@ class EditFile {
   void write_label(Bytes label) const;
   void rewrite(Bytes label);
 
-  std::string path_;  // without symbolic links, so that everybody finds the same journal
+  std::string path_;  // of no symbolic link, so that everybody finds the same journal
   Descriptor file_;
   bool can_change_ = false;
   std::uint64_t size_ = 0;
