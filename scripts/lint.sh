@@ -25,6 +25,7 @@ check() {
 step format scripts/format.sh --check
 step layers scripts/check_layers.py
 step house scripts/check_house.sh
+step links scripts/check_links.py
 step tidy tidy
 step cppcheck check
 [ ${#failed[@]} -eq 0 ] || { echo "lint: failed: ${failed[*]}" >&2; exit 1; }
