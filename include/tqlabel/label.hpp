@@ -22,7 +22,8 @@ namespace tqlabel {
 /** A label with its owner. */
 class Label {
  public:
-  /** @name Handles and versions @{ */
+  /** @name Handles and versions
+   * @{ */
 
   /** An empty label of a version: "6.0", "1.1", "1.1.1" or "1.1.2". */
   static Result<Label> make(std::string_view version) {
@@ -41,7 +42,9 @@ class Label {
   /** The version as it was set or decoded. */
   [[nodiscard]] Result<std::string> version() const { return get<std::string>(GLGetVersion); }
 
-  /** @} @name Encoding and decoding @{ */
+  /** @}
+   * @name Encoding and decoding
+   * @{ */
 
   /** Decodes a label whose body is in the clear, with or without padding. */
   static Result<Label> decode(ByteView der) {
@@ -97,7 +100,9 @@ class Label {
   /** Sets the number of zeros in the padding. */
   Result<void> set_padding(std::uint32_t size) { return put(SetLabelPadSize, size); }
 
-  /** @} @name Head @{ */
+  /** @}
+   * @name Head
+   * @{ */
 
   /** Sets the label text, of 1 to 128 bytes. */
   Result<void> set_text(std::string_view text) { return put<128>(SetLabel, text); }
@@ -160,7 +165,9 @@ class Label {
         });
   }
 
-  /** @} @name Signatures @{ */
+  /** @}
+   * @name Signatures
+   * @{ */
 
   /** Sets the algorithm of the head signature, by name. */
   Result<void> set_sign_algorithm(std::string_view name) { return put(SetHeadSignAlg, name); }
@@ -229,7 +236,9 @@ class Label {
   /** Stores a signature that is encoded already; Error::kNothing where FileHaveSigned() gives 1. */
   Result<void> set_encoded_signature(ByteView der) { return put(FileHaveSigned, der); }
 
-  /** @} @name Content and file @{ */
+  /** @}
+   * @name Content and file
+   * @{ */
 
   /** Sets all content fields, once: refused where the label has a file name or title. */
   Result<void> set_content(const Content& content) {
@@ -339,7 +348,9 @@ class Label {
   /** The size to which the label is aligned. */
   [[nodiscard]] Result<std::uint32_t> label_align() const { return get(GetLabelAlignSize); }
 
-  /** @} @name Dates @{ */
+  /** @}
+   * @name Dates
+   * @{ */
 
   /** Sets the expiry time; 0 is never. */
   Result<void> set_expiry(Seconds time) { return put(SetExpired, time); }
@@ -360,7 +371,9 @@ class Label {
   /** Whether the file is to be destroyed; true for a label that was moved from. */
   [[nodiscard]] bool is_to_be_destroyed() const { return CheckDestroyDate(handle()) != 0; }
 
-  /** @} @name Recipients, of the "1.1" family only @{ */
+  /** @}
+   * @name Recipients, of the "1.1" family only
+   * @{ */
 
   /** Adds an envelope to the head, in place of an earlier one of the recipient. */
   Result<void> add_to_head(const Envelope& envelope) {
@@ -460,7 +473,9 @@ class Label {
     return {};
   }
 
-  /** @} @name Markings: the records of the C interface, owned @{ */
+  /** @}
+   * @name Markings: the records of the C interface, owned
+   * @{ */
 
   /** Sets the watermark. */
   Result<void> set_watermark(const WaterMark& mark) {
@@ -481,7 +496,9 @@ class Label {
   /** A copy of the fingerprint record. */
   [[nodiscard]] Result<Owned<Finger>> fingerprints() const { return marking(GetFingerPrintInfo); }
 
-  /** @} @name Logs and extensions @{ */
+  /** @}
+   * @name Logs and extensions
+   * @{ */
 
   /** Adds a log entry at the front. */
   Result<void> add_log(const Log& log) {
