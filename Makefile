@@ -1,7 +1,7 @@
 # A short front for the presets. Each target first installs what packages.txt lists and is missing.
 .DEFAULT_GOAL := test
 .PHONY: abi asan bench bench-programs bounds clean coverage demo docs format fuzz instructions lint package \
-  package-test packages plot sealing test valgrind
+  package-test packages pictures plot sealing test valgrind
 
 packages:
 	@scripts/install-packages.sh
@@ -60,6 +60,13 @@ sealing: packages
 # from what bench has measured
 plot:
 	bench/plot.py build/release/times.json docs/performance.svg
+
+# docs/anatomy.svg, from a label that the build makes
+pictures: packages
+	cmake --preset release
+	cmake --build --preset release --target tqlabel tqlabel_tool
+	TQLABEL_LIBRARY=build/release/lib/libtqlabel.so.7 PYTHONPATH=python \
+	  docs/draw_anatomy.py build/release/bin/tqlabel --write
 
 docs: packages
 	cmake -S . -B build/docs -DTQLABEL_BUILD_DOCS=ON
