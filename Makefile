@@ -61,12 +61,13 @@ sealing: packages
 plot:
 	bench/plot.py build/release/times.json docs/performance.svg
 
-# docs/anatomy.svg, from a label that the build makes
+# docs/anatomy.svg, from a label that the build makes, and docs/layers.svg
 pictures: packages
 	cmake --preset release
 	cmake --build --preset release --target tqlabel tqlabel_tool
 	TQLABEL_LIBRARY=build/release/lib/libtqlabel.so.7 PYTHONPATH=python \
 	  docs/draw_anatomy.py build/release/bin/tqlabel --write
+	docs/draw_layers.py --write
 
 docs: packages
 	cmake -S . -B build/docs -DTQLABEL_BUILD_DOCS=ON

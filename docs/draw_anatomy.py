@@ -10,8 +10,8 @@ import json
 import subprocess
 import sys
 from pathlib import Path
-from xml.sax.saxutils import escape
 
+from svg import box, finish, line
 from tqlabel import Attribute, Envelope, Extension, Label, Log, Privileges, Recipient, Rights
 
 PICTURE = Path(__file__).resolve().parent / "anatomy.svg"
@@ -44,14 +44,6 @@ BODY = {
     "extends": "values of applications, by type",
     "logs": "what was done with the file",
 }
-STYLE = """
-text { font: 13px ui-monospace, "DejaVu Sans Mono", monospace; fill: #1f2328 }
-.t { font-weight: bold } .n { fill: #59636e } .p { font-family: system-ui, "DejaVu Sans", sans-serif }
-rect { fill: none; stroke: #8c959f } .h { fill: #ddf4ff } .b { fill: #fff1e5 } .z { fill: #eaeef2 }
-@media (prefers-color-scheme: dark) {
-  text { fill: #e6edf3 } .n { fill: #9198a1 } rect { stroke: #656c76 }
-  .h { fill: #0c2d6b } .b { fill: #4d2d00 } .z { fill: #262c36 }
-}"""
 WIDTH, ROW, LEFT = 620, 22, 12
 
 
@@ -81,31 +73,26 @@ def elements(tool):
             for entry in json.loads(shown)["notes"]["offsets"]}
 
 
-def line(x, y, text, kind):
-    return f'<text x="{x}" y="{y}" class="{kind}">{escape(text)}</text>'
-
-
 def row(y, path, place, meaning):
     indent = 30 if "[" in path else 14
     return "\n".join((
         line(LEFT + indent, y, path.rpartition(".")[2], ""),
-        f'<text x="300" y="{y}" class="n" text-anchor="end">{place[0]} + {place[1]}</text>',
+        line(300, y, f"{place[0]} + {place[1]}", "n", "end"),
         line(316, y, meaning, "p")))
 
 
-def box(y, name, kind, found, meanings):
+def frame(y, name, kind, found, meanings):
     """An element with its own ones below, and the line below it."""
     height = ROW * (len(meanings) + 1) + 12
     at, length = found[name]
-    drawn = [f'<rect x="{LEFT}" y="{y}" width="{WIDTH - 2 * LEFT}" height="{height}" rx="4" class="{kind}"/>',
-             line(LEFT + 8, y + 18, name, "t"),
-             f'<text x="300" y="{y + 18}" class="n" text-anchor="end">{at} + {length}</text>']
+    drawn = [box(LEFT, y, WIDTH - 2 * LEFT, height, kind), line(LEFT + 8, y + 18, name, "t"),
+             line(300, y + 18, f"{at} + {length}", "n", "end")]
     for i, (path, meaning) in enumerate(meanings.items()):
         drawn.append(row(y + 18 + ROW * (i + 1), path, found[f"{name}.{path}"], meaning))
     return drawn, y + height + 10
 
 
-def picture(found):
+def draw(found):
     for name, meanings in ("head", HEAD), ("body", BODY):
         there = {path.partition(".")[2] for path in found if path.startswith(name + ".")}
         missing = {path for path in there if not set(path) & set(".[")} ^ {
@@ -115,21 +102,11 @@ def picture(found):
     drawn, y = [line(LEFT, 20, "label", "t"), line(
         LEFT + 60, 20, f"SEQUENCE of {found[''][1]} bytes; offset + length of each element", "p")], 32
     for name, kind, meanings in ("head", "h", HEAD), ("body", "b", BODY), ("padding", "z", {}):
-        more, y = box(y, name, kind, found, meanings)
+        more, y = frame(y, name, kind, found, meanings)
         drawn += more
     drawn.append(line(316, y - 26, "zeros, so that it can grow in place", "p"))
-    head = (f'<svg xmlns="http://www.w3.org/2000/svg" width="{WIDTH}" height="{y}" '
-            f'viewBox="0 0 {WIDTH} {y}">\n<title>Anatomy of a label</title>\n<style>{STYLE}\n</style>')
-    return "\n".join([head, *drawn, "</svg>"]) + "\n"
-
-
-def main():
-    drawn = picture(elements(sys.argv[1]))
-    if "--write" in sys.argv:
-        PICTURE.write_text(drawn, "ascii")
-    elif drawn != PICTURE.read_text("ascii"):
-        sys.exit(f"{PICTURE.name} is not what this draws: write it anew with --write")
+    finish(PICTURE, "Anatomy of a label", WIDTH, y, drawn)
 
 
 if __name__ == "__main__":
-    main()
+    draw(elements(sys.argv[1]))
