@@ -3,8 +3,9 @@
 from datetime import datetime, timezone
 from pathlib import Path
 
-from tqlabel import (Attribute, Cipher, Envelope, Extension, FileCreator, Label, Log,
-                     PrivilegePair, Privileges, Recipient, Rights)
+from tqlabel import (Attribute, Cipher, Envelope, Extension, FileCreator, Fingerprint, Fingerprints,
+                     Label, Log, Meta, PrivilegePair, Privileges, Recipient, Rights, Seal, Signature,
+                     Stamp, StampRecord, WaterMark)
 
 ROOT = Path(__file__).resolve().parents[2]
 VERSIONS = ("1.1", "1.1.1", "1.1.2", "6.0")
@@ -25,6 +26,18 @@ def envelope(serial: int, key: bytes = b"key", head_key: bytes | None = b"head")
     return Envelope(recipient(serial), key, rights, head_key)
 
 
+# Two values that are swapped show, since each is of its own.
+MARK = WaterMark(b"one", b"two", 6, 7, "draft", THEN)
+STAMP = StampRecord(
+    "name", Seal("seal", Meta(SEQUENCE, THEN, "a", THEN.replace(day=2), None, "b"), 8, b"data",
+                 bytes.fromhex("020109"), b"\x0f"),
+    Stamp("first", (1, 2, 3, 4), "same", THEN, b"same"), b"\xf0")
+FINGERS = Fingerprints(b"1", b"2", b"3", 4, (
+    Fingerprint(SEQUENCE, (1, 0, 0, 1, 0, 0, 0, 0, 1)), Fingerprint(b"", (0,) * 9)))
+SIGNATURES = [Signature("sha1WithRSAEncryption", bytes([i]) * 9, SEQUENCE[:-1] + bytes([i]))
+              for i in (1, 2)]
+
+
 def full(version: str) -> Label:
     """A label with all that the package sets."""
     label = Label(version)
@@ -37,7 +50,11 @@ def full(version: str) -> Label:
     label.file_modified, label.expiry, label.destruction = THEN, THEN, THEN.replace(year=9999)
     label.touch()
     label.abolish()
-    if version != "1.1.2":
+    label.watermark, label.stamp, label.fingerprints = MARK, STAMP, FINGERS
+    if version == "1.1.2":
+        for signature in SIGNATURES:
+            label.add_signature(signature, first=signature is SIGNATURES[0])
+    else:
         label.body_certificate, label.body_signature = SEQUENCE, bytes(range(64))
     if version in ("1.1.1", "1.1.2"):
         label.file_align, label.uneffective, label.label_align = 512, 17, 4096

@@ -8,18 +8,18 @@ import sys
 from conftest import ROOT
 from tqlabel._library import FUNCTIONS, RECORDS
 
-CODE = re.sub(r"/\*.*?\*/", "", (ROOT / "include/tqlabel/label.h").read_text(), flags=re.S)
+HEADERS = ("include/tqlabel/label.h", "include/tqasn1/asn1.h")
+CODE = re.sub(r"/\*.*?\*/", "", "".join((ROOT / name).read_text() for name in HEADERS), flags=re.S)
 
 
 def test_functions_are_those_of_the_header() -> None:
     declared = {}
-    for result, name, arguments in re.findall(r"TQ_API ([\w*]+) (\w+)\(([^)]*)\)", CODE):
+    for result, name, arguments in re.findall(r"TQ_(?:ASN1_)?API ([\w*]+) (\w+)\(([^)]*)\)", CODE):
         kinds = [re.sub(r" \w+$", "", argument.strip()) for argument in arguments.split(",")]
         declared[name] = f"{result}({', '.join(kinds)})"
     used = {name: shape for shape, names in FUNCTIONS.items() for name in names.split()}
     assert {name: declared.get(name) for name in used} == used
-    sources = ((ROOT / "python/tqlabel" / file).read_text()
-               for file in ("_label.py", "_library.py", "_fields.py"))
+    sources = (file.read_text() for file in (ROOT / "python/tqlabel").glob("*.py"))
     called = set(re.findall(r'(?:"|library\.)([A-Z]\w+)(?:"|\b)', "".join(sources)))
     assert not set(declared) & called - set(used)
 

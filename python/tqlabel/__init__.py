@@ -7,8 +7,11 @@
 
 from ._label import Label
 from ._library import LabelError
+from .markings import Fingerprint, Fingerprints, Meta, Seal, Stamp, StampRecord, WaterMark
 from .records import (Attribute, Cipher, Envelope, Extension, FileCreator, Log, Name,
-                      PrivilegePair, Privileges, Recipient, Rights)
+                      PrivilegePair, Privileges, Recipient, Rights, Signature)
 
-__all__ = ["Attribute", "Cipher", "Envelope", "Extension", "FileCreator", "Label", "LabelError",
-           "Log", "Name", "PrivilegePair", "Privileges", "Recipient", "Rights"]
+__all__ = ["Attribute", "Cipher", "Envelope", "Extension", "FileCreator", "Fingerprint",
+           "Fingerprints", "Label", "LabelError", "Log", "Meta", "Name", "PrivilegePair",
+           "Privileges", "Recipient", "Rights", "Seal", "Signature", "Stamp", "StampRecord",
+           "WaterMark"]

@@ -2,60 +2,100 @@
 
 from __future__ import annotations
 
-from collections.abc import Callable
-from typing import TYPE_CHECKING, Any, Generic, NewType, TypeVar, overload
+from typing import TYPE_CHECKING, Any, ClassVar, Generic, TypeVar, overload
 
 from . import records as r
 from ._library import Handle, LabelError
 
 if TYPE_CHECKING:
-    from ._label import Label
+    from ._attributes import Attributes
 
 T = TypeVar("T")
-Algorithm = NewType("Algorithm", str)
-
-
-# The library does not tell no algorithm from one that has no name.
-def _algorithm(handle: Handle, getter: str) -> str:
-    try:
-        return r.text(handle.fetch(getter))
-    except LabelError:
-        return ""
-
-
-_READ: dict[Any, Callable[[Handle, str], Any]] = {
-    bytes: Handle.fetch,
-    str: lambda handle, getter: r.text(handle.fetch(getter)),
-    Algorithm: _algorithm,
-    int: Handle.number,
-    r.Time: lambda handle, getter: r.moment(handle.number(getter)),
-}
-_GIVEN: dict[Any, Callable[[Any, int], tuple[Any, ...]]] = {
-    bytes: r.counted,
-    str: r.counted,
-    Algorithm: r.counted,
-    int: lambda value, most: (r.checked(value, most),),
-    r.Time: lambda value, most: (r.seconds(value),),
-}
 
 
 class Field(Generic[T]):
     """A field that one function hands out and another one, unless there is none, stores."""
 
-    def __init__(self, kind: Any, getter: str, setter: str | None, doc: str,
-                 most: int = 0xFFFFFFFF) -> None:
-        self.kind, self.__doc__ = kind, doc
-        self._getter, self._setter, self._most = getter, setter, most
+    kind: ClassVar[Any]
+
+    def __init__(self, getter: str, setter: str | None, doc: str, most: int = 0xFFFFFFFF) -> None:
+        self.getter, self.setter, self.__doc__, self.most = getter, setter, doc, most
+
+    def read(self, handle: Handle) -> T:
+        """What the library hands out."""
+        raise NotImplementedError
+
+    def given(self, value: T) -> tuple[Any, ...]:
+        """The arguments that store a value."""
+        raise NotImplementedError
 
     @overload
     def __get__(self, label: None, owner: type) -> Field[T]: ...
     @overload
-    def __get__(self, label: Label, owner: type) -> T: ...
+    def __get__(self, label: Attributes, owner: type) -> T: ...
 
-    def __get__(self, label: Label | None, owner: type) -> Field[T] | T:
-        return self if label is None else _READ[self.kind](label._handle, self._getter)
+    def __get__(self, label: Attributes | None, owner: type) -> Field[T] | T:
+        return self if label is None else self.read(label._handle)
 
-    def __set__(self, label: Label, value: T) -> None:
-        if self._setter is None:
+    def __set__(self, label: Attributes, value: T) -> None:
+        if self.setter is None:
             raise AttributeError("this field is read only")
-        label._handle.call(self._setter, *_GIVEN[self.kind](value, self._most))
+        label._handle.call(self.setter, *self.given(value))
+
+
+class Octets(Field[bytes]):
+    """Bytes."""
+
+    kind = bytes
+
+    def read(self, handle: Handle) -> bytes:
+        return handle.fetch(self.getter)
+
+    def given(self, value: bytes) -> tuple[Any, ...]:
+        return r.counted(value, self.most)
+
+
+class Text(Field[str]):
+    """A text."""
+
+    kind = str
+
+    def read(self, handle: Handle) -> str:
+        return r.text(handle.fetch(self.getter))
+
+    def given(self, value: str) -> tuple[Any, ...]:
+        return r.counted(value, self.most)
+
+
+class Algorithm(Text):
+    """The name of an algorithm. The library does not tell none from one that has no name."""
+
+    def read(self, handle: Handle) -> str:
+        try:
+            return super().read(handle)
+        except LabelError:
+            return ""
+
+
+class Number(Field[int]):
+    """A number of 32 bits."""
+
+    kind = int
+
+    def read(self, handle: Handle) -> int:
+        return handle.number(self.getter)
+
+    def given(self, value: int) -> tuple[Any, ...]:
+        return (r.checked(value, self.most),)
+
+
+class Moment(Field[r.Time]):
+    """A time."""
+
+    kind = r.Time
+
+    def read(self, handle: Handle) -> r.Time:
+        return r.moment(handle.number(self.getter))
+
+    def given(self, value: r.Time) -> tuple[Any, ...]:
+        return (r.seconds(value),)

@@ -3,20 +3,20 @@
 from __future__ import annotations
 
 import ctypes
-from collections.abc import Iterator
+from collections.abc import Callable, Iterator
 from dataclasses import replace
 from datetime import datetime, timezone
 from typing import Any
 
 from . import records as r
-from ._fields import Algorithm, Field
+from ._attributes import PARTS, Attributes, who
 from ._library import Handle, LabelError, c_type, call, library, room
 
 _ENOUGH = 4096  # octets of most keys and certificates
 _NOBODY = r.Envelope(r.Recipient(b"\0", (r.Attribute("#00", ""),)), b"", r.Privileges(b""))
 
 
-class Label:
+class Label(Attributes):
     """A label, which is released with its last reference, by close() or by the end of a `with`.
 
     What the library refuses raises LabelError: bytes that are none, a field that the version does
@@ -24,40 +24,6 @@ class Label:
     stored as it was given raises ValueError, as does every use of a closed label. Threads may share
     a label: each call has it to itself.
     """
-
-    text = Field[str](str, "GetLabel", "SetLabel", "Text of the head, 1 to 128 bytes.", 128)
-    custom = Field[bytes](bytes, "GetCustom", "SetCustom", "Custom bytes of the head.")
-    created = Field[r.Time](r.Time, "GetHeadCreateTime", None, "When it was made; see touch().")
-    modified = Field[r.Time](r.Time, "GetHeadModifyTime", "SetHeadModifyTime",
-                             "When the label was changed.")
-    sign_algorithm = Field[str](Algorithm, "GetHeadSignAlg", "SetHeadSignAlg",
-                                'Algorithm of the head signature; "" also for an unknown one.')
-    head_certificate = Field[bytes](bytes, "GetHeadSignCert", "SetHeadSignCert",
-                                    "Certificate of the head's signer, DER.")
-    head_signature = Field[bytes](bytes, "GetHeadSignValue", "SetHeadSignValue",
-                                  "What signing signature_message() gave.")
-    body_certificate = Field[bytes](bytes, "GetBodySignCert", "SetBodySignCert",
-                                    'Certificate of the body\'s signer; only "1.1.2" has none.')
-    body_signature = Field[bytes](bytes, "GetBodySigVal", "SetBodySigVal",
-                                  "Signature of the body, a multiple of 32 bytes.")
-    file_type = Field[int](int, "GLGetFileType", "GLSetFileType", "Type of the file.")
-    secrecy = Field[int](int, "GetFileSecc", "SetFileSecc", "Secrecy level of the file.")
-    file_size = Field[int](int, "GLGetFileSize", "GLSetFileSize", "Size, in the caller's unit.")
-    file_name = Field[str](str, "GetFileName", "SetFileName", "Name, to 255 bytes.", 255)
-    file_title = Field[str](str, "GLGetFileTitle", "GLSetFileTitle", "Title, to 255 bytes.", 255)
-    file_modified = Field[r.Time](r.Time, "GetModifyTime", "SetModifyTime",
-                                  "When the file was changed.")
-    expiry = Field[r.Time](r.Time, "GetExpired", "SetExpired", "When the file expires.")
-    abolition = Field[r.Time](r.Time, "GetAbolishTime", None,
-                              "When the file was abolished; see abolish().")
-    destruction = Field[r.Time](r.Time, "GetDestroyTime", "SetDestroyTime",
-                                "When the file is to be destroyed.")
-    file_align = Field[int](int, "GetFileAlignSize", "SetFileAlignSize",
-                            'Size in bytes to which the file is aligned; "1.1.1" and "1.1.2" only.')
-    uneffective = Field[int](int, "GetFileUnEffectSize", "SetFileUnEffectSize",
-                             "Bytes of the file that do not count.")
-    label_align = Field[int](int, "GetLabelAlignSize", "SetLabelAlignSize",
-                             "Size in bytes to which the label is aligned.")
 
     def __init__(self, version: str) -> None:
         """Makes an empty label of version "1.1", "1.1.1", "1.1.2" or "6.0"."""
@@ -119,64 +85,6 @@ class Label:
     def signature_message(self) -> bytes:
         """What the head signature signs; its certificate and algorithm are part of it."""
         return self._handle.fetch("GetSignatureMessage")
-
-    @property
-    def version(self) -> str:
-        """The version as it was set or decoded."""
-        return r.text(self._handle.fetch("GLGetVersion"))
-
-    @property
-    def author(self) -> r.Recipient:
-        """The certificate that the head is addressed to. "6.0" has no issuer."""
-        serial, length = room(255), ctypes.c_uint8(255)
-        issuer = ctypes.POINTER(c_type("PJCertIssuer"))()
-        self._handle.call("GetCertSerialAndIssuerToHead", serial, ctypes.byref(length),
-                          ctypes.byref(issuer))
-        try:
-            return r.Recipient(bytes(serial[:length.value]), r.issuer_of(issuer))
-        finally:
-            library.FreeIssuerName(issuer)
-
-    @author.setter
-    def author(self, author: r.Recipient) -> None:
-        r.octets(author.serial, 128)
-        self._handle.call("SetCertSerialAndIssuerToHead", *_who(author))
-
-    @property
-    def cipher(self) -> r.Cipher | None:
-        """The cipher of the body, or None. Setting it says that the body is encrypted."""
-        name, length, bits = room(255), ctypes.c_uint8(255), ctypes.c_uint8()
-        self._handle.call("GetEncryptHead", name, ctypes.byref(length), ctypes.byref(bits))
-        text = r.text(bytes(name[:length.value]))
-        return r.Cipher(text, bits.value) if text else None
-
-    @cipher.setter
-    def cipher(self, cipher: r.Cipher | None) -> None:
-        name, bits = (cipher.name, cipher.feedback_bits) if cipher else ("", 0)
-        self._handle.call("SetEncryptHead", *r.counted(name, 255), r.checked(bits, 255))
-
-    @property
-    def file_creator(self) -> r.FileCreator:
-        """The file creator record. Setting an empty text leaves the one that is there."""
-        info = c_type("FileCreatorInfo")()
-        with self._handle.lock:
-            size = self._text_room()
-            info.str1, info.str2 = room(size), room(size)
-            self._handle.call("GetFileIdentify", ctypes.byref(info))
-        return r.FileCreator.of(info)
-
-    @file_creator.setter
-    def file_creator(self, creator: r.FileCreator) -> None:
-        self._handle.call("SetBodyFileCreator", ctypes.byref(creator.to_c()))
-
-    # The library gives no sizes for more than 100 envelopes; a body is longer than its texts.
-    def _text_room(self) -> int:
-        sizes = c_type("LabelSizeInfo")()
-        try:
-            self._handle.call("LabCalSize", ctypes.byref(sizes))
-        except LabelError:
-            return self._handle.number("EncodeBodyPlaint", None)
-        return int(max(sizes.fileNoLen, sizes.creatorStr2Len))
 
     def touch(self) -> None:
         """Sets the creation time to the present."""
@@ -256,7 +164,7 @@ class Label:
 
     def _has(self, name: str, recipient: r.Recipient) -> bool:
         previous = ctypes.c_void_p()
-        return self._handle.call(name, *_who(recipient), ctypes.byref(previous)) == 1
+        return self._handle.call(name, *who(recipient), ctypes.byref(previous)) == 1
 
     def __contains__(self, recipient: r.Recipient) -> bool:
         """Whether a recipient has an envelope in the body; "1.1" family only."""
@@ -275,11 +183,62 @@ class Label:
     def remove_recipient(self, recipient: r.Recipient) -> None:
         """Removes a recipient from the head and then from the body. Who is not in the head is
         refused; who is not in the body has left the head then."""
-        self._handle.call("DelPrivilegeFromLabel", *_who(recipient))
+        self._handle.call("DelPrivilegeFromLabel", *who(recipient))
 
     def set_read_count(self, recipient: r.Recipient, count: int) -> None:
         """Stores how often a recipient has read the file."""
-        self._handle.call("SetAlreadyReadCountsToLabel", *_who(recipient), r.checked(count))
+        self._handle.call("SetAlreadyReadCountsToLabel", *who(recipient), r.checked(count))
+
+    def rekey(self, wrap: Callable[[bytes], bytes]) -> None:
+        """Gives each recipient a new key, in head and body: wrap() takes the privilege data, the
+        certificate, and gives the wrapped key. The recipients run the other way afterwards."""
+        certificates = [envelope.privileges.data for envelope in self.recipients()]
+        keys = [wrap(certificate) for certificate in certificates]
+        enumerator, length = ctypes.c_void_p(), ctypes.c_uint32()
+        with self._handle.lock:
+            if certificates != [envelope.privileges.data for envelope in self.recipients()]:
+                raise RuntimeError("the recipients have changed meanwhile")
+            call("CreatEmurateDigitEnvolop", ctypes.byref(enumerator), self._handle.value)
+            try:
+                for key in reversed(keys):
+                    call("GetCurrentDigitEnvolop", enumerator, None, ctypes.byref(length))
+                    call("GetCurrentDigitEnvolop", enumerator, room(length.value),
+                         ctypes.byref(length))
+                    call("SetCurrentEmuEnvolop", enumerator, *r.counted(key), *r.counted(key))
+            finally:
+                library.DestroyEmura(enumerator)
+
+    def signatures(self) -> Iterator[r.Signature]:
+        """The chain of signatures of a "1.1.2" body, first to last, as it is when iteration begins,
+        each with the head's algorithm, which there must be. Other versions have body_signature."""
+        enumerator, found = ctypes.c_void_p(), []
+        with self._handle.lock:
+            if self.version == "1.1.2":
+                self._handle.call("CreateEmurateSign", ctypes.byref(enumerator))
+                try:
+                    while (signature := _next_signature(enumerator)) is not None:
+                        found.append(signature)
+                finally:
+                    library.DestroySignEmura(enumerator)
+        yield from found
+
+    def add_signature(self, signature: r.Signature, *, first: bool = False) -> None:
+        """Adds a signature behind the chain of a "1.1.2" body. The first one replaces all."""
+        if self.version != "1.1.2":
+            raise ValueError("a chain of signatures in another version than 1.1.2")
+        self._handle.call("SetBodySignAttr", int(not first), ctypes.byref(signature.to_c()))
+
+    def signer_message(self, certificate: bytes | None = None) -> bytes:
+        """What a signer of a "1.1.2" body signs: all signatures before that of the certificate, or
+        all that there are where it is not among them."""
+        request = c_type("MultiSignData")()
+        if certificate is not None:
+            r.put(request, "cert", certificate)
+        with self._handle.lock:
+            self._handle.call("GetMultiSignData", ctypes.byref(request))
+            request.data = room(request.dataLen)
+            self._handle.call("GetMultiSignData", ctypes.byref(request))
+        return r.taken(request, "data")
 
     def logs(self) -> Iterator[r.Log]:
         """The log, newest first; one that grows or shrinks meanwhile moves what follows."""
@@ -293,13 +252,8 @@ class Label:
             position += 1
 
     def _log(self, position: int) -> r.Log:
-        info = ctypes.POINTER(c_type("LogInfo"))()
-        self._handle.call("GetLog", position, ctypes.byref(info))
-        try:
-            log = r.Log.of(info.contents)
-            return replace(log, issuer=()) if self.version == "6.0" else log
-        finally:
-            library.FreeLog(info)
+        log = self._copied("GetLog", r.Log.of, library.FreeLog, position)
+        return replace(log, issuer=()) if self.version == "6.0" else log
 
     def add_log(self, log: r.Log) -> None:
         """Adds an entry in front of the log. In "6.0" its issuer does not count."""
@@ -333,9 +287,9 @@ class Label:
 
     def to_dict(self) -> dict[str, Any]:
         """The label as JSON has it: octets in hexadecimal, times in ISO 8601, None for "not set".
-        Markings, the chain of signatures of "1.1.2", padding and the cipher's mode are left out."""
+        Padding and the cipher's mode are left out."""
         with self._handle.lock:
-            parts = {name: getattr(self, name) for name in ("version", *_PARTS)}
+            parts = {name: getattr(self, name) for name in ("version", *PARTS)}
             lists = {name: list(getattr(self, name)()) for name in _LISTS}
         return {name: r.to_plain(value) for name, value in (parts | lists).items()}
 
@@ -344,8 +298,8 @@ class Label:
         """The label of a dictionary of to_dict(). What is missing is not set; what could not be
         from one raises ValueError. The creation time of a label of the "1.1" family without an
         author, which does not encode, becomes the present."""
-        r.refuse_unknown(plain, ("version", *_PARTS, *_LISTS))
-        kinds = {"version": str, **_PARTS, **_LISTS}
+        r.refuse_unknown(plain, ("version", *PARTS, *_LISTS))
+        kinds: dict[str, Any] = {"version": str, **PARTS, **_LISTS}
         given = {name: r.from_plain(part, kinds[name]) for name, part in plain.items()}
         label = cls(given.pop("version", ""))
         if given.get("created"):
@@ -354,12 +308,14 @@ class Label:
             content = c_type("ContentAttrInfo")(abolishTime=r.seconds(given["abolition"]))
             label._handle.call("SetContentAtrr", ctypes.byref(content))
         empty = label.to_dict()
-        for name in _PARTS:
+        for name in PARTS:
             if name in given and plain[name] != empty[name] and name != "created":
                 setattr(label, name, given[name])
-        for name in _LISTS:
+        for name in _NEWEST_FIRST:
             for entry in reversed(given.get(name, ())):
                 getattr(label, "add_" + name.removesuffix("s"))(entry)
+        for i, signature in enumerate(given.get("signatures", ())):
+            label.add_signature(signature, first=i == 0)
         return label
 
     # The library sets the present only. So another time takes its place in an encoded head, where
@@ -379,16 +335,9 @@ class Label:
         return Label.decode_encrypted(before + wanted + behind)[0]
 
 
-_PARTS: dict[str, Any] = {name: field.kind for name, field in vars(Label).items()
-                          if isinstance(field, Field)}
-_PARTS |= {"sign_algorithm": str, "author": r.Recipient, "cipher": r.Cipher | None,
-           "file_creator": r.FileCreator}
-_LISTS: dict[str, Any] = {"recipients": tuple[r.Envelope, ...], "logs": tuple[r.Log, ...],
-                          "extensions": tuple[r.Extension, ...]}
-
-
-def _who(recipient: r.Recipient) -> tuple[Any, ...]:
-    return (*r.counted(recipient.serial, 255), r.issuer_to_c(recipient.issuer))
+_NEWEST_FIRST: dict[str, Any] = {"recipients": tuple[r.Envelope, ...], "logs": tuple[r.Log, ...],
+                                 "extensions": tuple[r.Extension, ...]}
+_LISTS = _NEWEST_FIRST | {"signatures": tuple[r.Signature, ...]}
 
 
 def _envelope_info(to: r.Recipient, algorithm: bytes, key: bytes) -> Any:
@@ -397,3 +346,18 @@ def _envelope_info(to: r.Recipient, algorithm: bytes, key: bytes) -> Any:
     r.put(info, "serial", to.serial, 255)
     r.put(info, "key", key)
     return info
+
+
+def _next_signature(enumerator: ctypes.c_void_p) -> r.Signature | None:
+    info = c_type("SignAttribute")()
+    if call("GetNextSign", enumerator, ctypes.byref(info)) == 1:
+        return None
+    info.value, info.cert = room(info.valueLen), room(info.certLen)
+    try:
+        call("GetNextSign", enumerator, ctypes.byref(info))
+    except LabelError:
+        if info.valueLen or info.certLen:
+            raise
+        return None  # an empty one, in a label without an algorithm
+    return r.Signature(r.text(ctypes.string_at(info.algName)), r.taken(info, "value"),
+                       r.taken(info, "cert"))

@@ -13,7 +13,9 @@ _KINDS: dict[str, Any] = {
     "void": None,
     "TqLabel": ctypes.c_void_p,
     "void*": ctypes.c_void_p,
+    "SignEnum*": ctypes.c_void_p,
     "DigitEnvolopEnum*": ctypes.c_void_p,
+    "char": ctypes.c_char,
     "const uint8_t*": ctypes.c_char_p,
     "int32_t": ctypes.c_int32,
     "uint8_t": ctypes.c_uint8,
@@ -42,6 +44,25 @@ RECORDS = {
     "LogInfo": "uint32_t number; uint8_t* text1; uint32_t text1Len; PJCertIssuer* issuer; "
                "uint8_t* array1; uint32_t array1Len; uint8_t* array2; uint32_t array2Len; "
                "uint64_t time; uint32_t value; uint8_t* text2; uint32_t text2Len;",
+    "SignAttribute": "char* algName; uint8_t* value; uint32_t valueLen; uint8_t* cert; "
+                     "uint32_t certLen;",
+    "MultiSignData": "uint8_t* cert; uint32_t certLen; uint8_t* data; uint32_t dataLen;",
+    "WaterMark": "uint8_t* data1; uint32_t data1Len; uint8_t* data2; uint32_t data2Len; "
+                 "uint32_t alg; uint32_t algParam; char* text; uint32_t textLen; uint64_t time;",
+    "Meta": "uint8_t* element; uint8_t elementLen; uint64_t time1; uint8_t* text1; "
+            "uint32_t text1Len; uint64_t time2; uint64_t time3; uint8_t* text2; "
+            "uint32_t text2Len;",
+    "Seal": "uint8_t* name; uint32_t nameLen; Meta meta; uint8_t type; uint8_t* data; "
+            "uint32_t dataLen; uint8_t* element; uint32_t elementLen; uint8_t* bits; "
+            "uint32_t bitsLen;",
+    "Stamp": "char* text1; uint32_t text1Len; uint32_t value[4]; char* text2; "
+             "uint32_t text2Len; uint64_t time; uint8_t* data; uint32_t dataLen;",
+    "StampRecord": "uint8_t* name; uint32_t nameLen; Seal seal; Stamp stamp; uint8_t* bits; "
+                   "uint32_t bitsLen;",
+    "FingerEntry": "uint8_t* value; uint32_t valueLen; uint8_t action[9];",
+    "FingerList": "uint32_t count; FingerEntry* entries;",
+    "Finger": "uint8_t* sys1; uint32_t sys1Len; uint8_t* sys2; uint32_t sys2Len; "
+              "uint8_t* sys3; uint32_t sys3Len; uint32_t sysValue; FingerList list;",
     "LabelSizeInfo": "uint32_t customLen; uint32_t headSignAlgLen; uint32_t headSignLen; "
                      "uint32_t bodySignCertLen; uint32_t reserve; uint32_t cipher; "
                      "uint32_t headEnvelopeCount; uint32_t headEnvelopeSize; "
@@ -57,6 +78,11 @@ FUNCTIONS = {
     "void(LogInfo*)": "FreeLog",
     "int32_t(PJCertIssuer*)": "FreeIssuerName",
     "int32_t(void*)": "DestroyEmura",
+    "int32_t(SignEnum*)": "DestroySignEmura",
+    "int32_t(WaterMark*)": "FreetWaterMarkInfo",
+    "int32_t(StampRecord*)": "FreeStampA",
+    "int32_t(Finger*)": "FreeFingerPrintInfo",
+    "void(void*)": "Asn1Free",
     "int32_t(TqLabel)":
         "SetHeadCreateTime AbolishSF CheckLabelDate CheckDestroyDate LabelBodyNeedEnc DelAlLog",
     "int32_t(TqLabel, uint32_t)":
@@ -98,6 +124,19 @@ FUNCTIONS = {
     "int32_t(DigitEnvolopEnum**, TqLabel)": "CreatEmurateDigitEnvolop",
     "int32_t(TqLabel, const uint8_t*, uint32_t, const PJCertIssuer*, uint32_t)":
         "SetAlreadyReadCountsToLabel",
+    "int32_t(DigitEnvolopEnum*, uint8_t*, uint32_t*)": "GetCurrentDigitEnvolop",
+    "int32_t(DigitEnvolopEnum*, const uint8_t*, uint32_t, const uint8_t*, uint32_t)":
+        "SetCurrentEmuEnvolop",
+    "int32_t(TqLabel, int32_t, const SignAttribute*)": "SetBodySignAttr",
+    "int32_t(TqLabel, SignEnum**)": "CreateEmurateSign",
+    "int32_t(SignEnum*, SignAttribute*)": "GetNextSign",
+    "int32_t(TqLabel, MultiSignData*)": "GetMultiSignData",
+    "int32_t(TqLabel, const WaterMark*)": "SetWaterMarkInfo",
+    "int32_t(TqLabel, WaterMark**)": "GetWaterMarkInfo",
+    "int32_t(TqLabel, const StampRecord*)": "SetStampInfo",
+    "int32_t(TqLabel, StampRecord**)": "GetStampInfo",
+    "int32_t(TqLabel, const Finger*)": "SetFingerPrintInfo",
+    "int32_t(TqLabel, Finger**)": "GetFingerPrintInfo",
     "int32_t(TqLabel, const LogInfo*)": "AddLog",
     "int32_t(TqLabel, uint32_t, LogInfo**)": "GetLog",
     "int32_t(TqLabel, uint32_t, const uint8_t*, uint32_t)": "AddExtendValue",

@@ -176,6 +176,22 @@ class Log:
 
 
 @dataclass(frozen=True)
+class Signature:
+    """A signature in the chain of a "1.1.2" body."""
+
+    algorithm: str
+    value: bytes
+    certificate: bytes
+
+    def to_c(self) -> Any:
+        """The record of the library, which owns what it points to."""
+        info = c_type("SignAttribute")(ctypes.create_string_buffer(octets(self.algorithm)))
+        put(info, "value", self.value)
+        put(info, "cert", self.certificate)
+        return info
+
+
+@dataclass(frozen=True)
 class Extension:
     """An extension value; the type has 32 bits."""
 
