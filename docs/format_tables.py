@@ -10,6 +10,8 @@ import re
 import sys
 from pathlib import Path
 
+from generated import settle
+
 DOCS = Path(__file__).resolve().parent
 PAGE = DOCS / "format.md"
 BEGIN, END = "<!-- tables -->\n", "<!-- end of tables -->\n"
@@ -218,11 +220,7 @@ def tables():
 def main():
     page = PAGE.read_text("utf-8")
     before, rest = page.split(BEGIN)
-    made = before + BEGIN + "".join(tables()) + "\n" + END + rest.split(END)[1]
-    if "--write" in sys.argv:
-        PAGE.write_text(made, "utf-8")
-    elif made != page:
-        sys.exit(f"{PAGE.name} has other tables: write them anew with --write")
+    settle(PAGE, before + BEGIN + "".join(tables()) + "\n" + END + rest.split(END)[1])
 
 
 if __name__ == "__main__":

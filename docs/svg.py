@@ -1,7 +1,8 @@
 """What the generated pictures share: text, a frame, and colours for light and dark."""
 
-import sys
 from xml.sax.saxutils import escape
+
+from generated import settle
 
 STYLE = """
 text { font: 13px ui-monospace, "DejaVu Sans Mono", monospace; fill: #1f2328 }
@@ -22,12 +23,8 @@ def box(x, y, width, height, kind):
 
 
 def finish(path, title, width, height, parts):
-    """Writes the picture if --write is given; else fails where it is not as it should be."""
-    drawn = "\n".join((
+    """Puts the parts into one picture and settles its file."""
+    settle(path, "\n".join((
         f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" '
         f'viewBox="0 0 {width} {height}">', f"<title>{title}</title>", f"<style>{STYLE}\n</style>",
-        *parts, "</svg>\n"))
-    if "--write" in sys.argv:
-        path.write_text(drawn, "ascii")
-    elif drawn != path.read_text("ascii"):
-        sys.exit(f"{path.name} is not what this draws: write it anew with --write")
+        *parts, "</svg>\n")))
